@@ -1,0 +1,328 @@
+#include "ortha/ortha3/CPrintLog.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "Src/Ortha3/LogCore.h"
+#include "Src/Platform/Clock.h"
+#include "Src/Platform/Console.h"
+#include "Src/Platform/NativeThread.h"
+
+namespace General::Ortha::Detail {
+
+std::atomic<int> logLevel{4};
+std::atomic<int> filterMode{filterAll};
+std::atomic<bool> lineComplete{true};
+
+namespace {
+
+struct Level
+{
+    std::string_view word;
+    Platform::ConsoleColor color;
+};
+
+constexpr Platform::ConsoleColor blue = 1;
+constexpr Platform::ConsoleColor green = 2;
+constexpr Platform::ConsoleColor red = 4;
+
+constexpr Level levels[] = {
+    {"", 0},
+    {"fatal ", red | blue},
+    {"error ", red},
+    {"warn ", red | green},
+    {"info ", green},
+    {"trace ", red | green | blue},
+    {"debug ", green | blue},
+};
+
+// The switches of this layer, in the order of PrintOptions.
+constexpr std::size_t optionCount = offsetof(PrintOptions, reserved);
+unsigned char s_options[optionCount] = {};
+
+std::atomic<bool> s_colorReset{true};
+std::atomic<Platform::ConsoleColor> s_savedColor{0};
+
+bool option(unsigned char PrintOptions::*field)
+{
+    static constexpr PrintOptions layout{};
+    const auto at = reinterpret_cast<const unsigned char*>(&(layout.*field)) - reinterpret_cast<const unsigned char*>(&layout);
+    return std::atomic_ref(s_options[at]).load(std::memory_order_relaxed) != 0;
+}
+
+void setColor(int level)
+{
+    s_savedColor.store(Platform::consoleColor(), std::memory_order_relaxed);
+    std::fflush(stdout);
+    Platform::setConsoleColor(levels[level].color);
+    s_colorReset.store(false, std::memory_order_relaxed);
+}
+
+// Appends the pieces of a header by hand: formatting them costs more than the rest of a line. What does not fit is cut.
+class HeaderWriter
+{
+public:
+    HeaderWriter(char* buffer, int size) : m_begin(buffer), m_at(buffer), m_end(buffer + size - 1) {}
+
+    void text(std::string_view text)
+    {
+        const std::size_t length = std::min(text.size(), static_cast<std::size_t>(m_end - m_at));
+        std::memcpy(m_at, text.data(), length);
+        m_at += length;
+    }
+
+    void number(int value)
+    {
+        char digits[16];
+        const auto end = std::to_chars(digits, digits + sizeof(digits), value).ptr;
+        text({digits, static_cast<std::size_t>(end - digits)});
+    }
+
+    void padded(int value, int width)
+    {
+        char digits[8] = {'0', '0', '0', '0', '0', '0', '0', '0'};
+        for (int i = width; i > 0 && value != 0; value /= 10)
+        {
+            digits[--i] = static_cast<char>('0' + value % 10);
+        }
+        text({digits, static_cast<std::size_t>(width)});
+    }
+
+    int finish()
+    {
+        *m_at = 0;
+        return static_cast<int>(m_at - m_begin);
+    }
+
+private:
+    char* const m_begin;
+    char* m_at;
+    char* const m_end;  // room for the terminator
+};
+
+void writeTime(HeaderWriter& header, const LogTime& time)
+{
+    if (option(&PrintOptions::showDate))
+    {
+        header.padded(time.year, 4);
+        header.text("-");
+        header.padded(time.month, 2);
+        header.text("-");
+        header.padded(time.day, 2);
+        header.text("T");
+    }
+    if (!option(&PrintOptions::noTime))
+    {
+        header.padded(time.hour, 2);
+        header.text(":");
+        header.padded(time.minute, 2);
+        header.text(":");
+        header.padded(time.second, 2);
+        if (option(&PrintOptions::showMilliseconds))
+        {
+            header.text(".");
+            header.padded(time.milliSecond, 3);
+        }
+    }
+    header.text(" ");
+}
+
+void writeVersion(HeaderWriter& header, const char* version, bool structured)
+{
+    const std::string_view text = version ? version : "";
+    if (option(&PrintOptions::noVersion))
+    {
+        // The blank that would have stood behind the module's version.
+        header.text(!structured && !option(&PrintOptions::noModule) ? " " : "");
+        return;
+    }
+    if (structured)
+    {
+        header.text("[ver:");
+        header.text(text);
+        header.text("] ");
+        return;
+    }
+    if (!text.empty() && text != "Unknown")
+    {
+        header.text(":");
+        header.text(text);
+    }
+    header.text(" ");
+}
+
+std::string_view behindLastColon(std::string_view function)
+{
+    return function.substr(function.rfind(':') + 1);
+}
+
+LogTime readTime()
+{
+    const Platform::CalendarTime now = Platform::localTime();
+    return {now.year, now.month, now.day, now.dayOfWeek, now.hour, now.minute, now.second, now.milliSecond, {}};
+}
+
+}  // namespace
+
+const char* behindLastBackslash(const char* file)
+{
+    const char* last = std::strrchr(file, '\\');
+    return last ? last + 1 : file;
+}
+
+void setBaseOptions(const PrintOptions& options)
+{
+    const auto* bytes = reinterpret_cast<const unsigned char*>(&options);
+    for (std::size_t i = 0; i < optionCount; ++i)
+    {
+        std::atomic_ref(s_options[i]).store(bytes[i], std::memory_order_relaxed);
+    }
+}
+
+int formatLine(char (&buffer)[lineBufferSize], int level, const char* module, const char* file, const char* function, int line,
+               const char* version, LogTime* time, const char* format, va_list args)
+{
+    const int callersErrno = errno;
+    const int header = Ortha_logOptionControl(buffer, lineBufferSize - 1, level, module, file, function, line, version, time);
+    errno = callersErrno;  // the format may show it
+    const int message = std::vsnprintf(buffer + header, static_cast<std::size_t>(lineBufferSize - header), format, args);
+    if (message < 0)
+    {
+        buffer[header] = 0;
+    }
+    const int count = header + std::max(message, 0);
+    lineComplete.store(count >= lineBufferSize || (count >= 1 && buffer[count - 1] == '\n'), std::memory_order_relaxed);
+    return count;
+}
+
+}  // namespace General::Ortha::Detail
+
+using namespace General::Ortha;
+using namespace General::Ortha::Detail;
+
+int Ortha_logFilter(int level, const char* module, const char* file, const char* function, int line, const char* version,
+                    const char* format, ...)
+{
+    if (level == 6)
+    {
+        level = 5;
+    }
+    if (!levelPasses(level))
+    {
+        return 0;
+    }
+    const ErrnoKeeper keeper;
+    const char* shownFile = file ? behindLastBackslash(file) : "";
+    if (file && *shownFile == 0)
+    {
+        shownFile = file;
+    }
+    char buffer[lineBufferSize];
+    va_list args;
+    va_start(args, format);
+    const int count = formatLine(buffer, level, module, shownFile, function, line, version, nullptr, format, args);
+    va_end(args);
+    Ortha_print(level, buffer);
+    Ortha_resetcolor();
+    return count;
+}
+
+int Ortha_logOptionControl(char* buffer, int size, int level, const char* module, const char* file, const char* function, int line,
+                           const char* version, LogTime* time)
+{
+    const LogTime now = readTime();
+    if (time)
+    {
+        *time = now;
+    }
+    if (!lineComplete.load(std::memory_order_relaxed))
+    {
+        return 0;
+    }
+    if (!option(&PrintOptions::noColor))
+    {
+        setColor(level);
+    }
+    if (size < 1)
+    {
+        return 0;
+    }
+
+    const bool structured = option(&PrintOptions::structured);
+    const auto labelled = [&](HeaderWriter& header, const char* before, std::string_view text, const char* after)
+    {
+        header.text(structured ? before : "");
+        header.text(text);
+        header.text(structured ? after : "");
+    };
+
+    HeaderWriter header(buffer, size);
+    header.text(structured ? "[|T: " : "[");
+    writeTime(header, now);
+    if (!option(&PrintOptions::noLevel))
+    {
+        labelled(header, "L:", levels[level].word, "|");
+    }
+    if (!option(&PrintOptions::noModule))
+    {
+        labelled(header, "[", module ? module : "", "] ");
+    }
+    writeVersion(header, version, structured);
+    if (!option(&PrintOptions::noThreadId))
+    {
+        header.text(structured ? "tid:" : "");
+        header.number(Platform::currentThreadId());
+        header.text(" ");
+    }
+    if (!option(&PrintOptions::noFile))
+    {
+        labelled(header, "F:", file ? file : "", "|");
+        header.text(structured ? "" : ":");
+    }
+    if (!option(&PrintOptions::noLine))
+    {
+        header.text(structured ? "l:" : "");
+        header.number(line);
+        header.text(structured ? "|" : "");
+    }
+    if (option(&PrintOptions::showFunction))
+    {
+        header.text(structured ? "f:" : " ");
+        header.text(behindLastColon(function ? function : ""));
+        header.text(structured ? "|" : "");
+    }
+    header.text(structured ? "m:]" : "]");
+    return header.finish();
+}
+
+void Ortha_print(int, const char* text)
+{
+    const ErrnoKeeper keeper;
+    Platform::debuggerOutput(text);
+    std::fputs(text, stdout);
+}
+
+void Ortha_resetcolor()
+{
+    if (!lineComplete.load(std::memory_order_relaxed))
+    {
+        return;
+    }
+    if (option(&PrintOptions::noColor) && s_colorReset.load(std::memory_order_relaxed))
+    {
+        return;
+    }
+    const ErrnoKeeper keeper;
+    std::fflush(stdout);
+    Platform::setConsoleColor(s_savedColor.load(std::memory_order_relaxed));
+    s_colorReset.store(true, std::memory_order_relaxed);
+}
+
+unsigned char* Ortha_getPrintOption()
+{
+    return s_options;
+}

@@ -1,0 +1,380 @@
+#include "ortha/ortha3/PrintLog.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include "ortha/ortha3/Error.h"
+#include "ortha/ortha3/Mutex.h"
+#include "ortha/ortha3/ThreadSpecific.h"
+
+#include "Src/Ortha3/Log.h"
+#include "Src/Ortha3/LogCore.h"
+#include "Src/Ortha3/LogSteps.h"
+#include "Src/Ortha3/PrintLogInternal.h"
+
+namespace General::Ortha {
+
+using namespace Detail;
+
+namespace {
+
+using Printer = TFunction1<void, const char*>;
+using Hook = TFunction1<bool, const char*>;
+using HookList = std::vector<Hook>;
+
+// Whatever a log call needs is never destroyed: threads may log while the process exits.
+
+PrintOptions s_options;
+Printer s_printer;
+
+unsigned char readOption(const unsigned char& field)
+{
+    return std::atomic_ref(const_cast<unsigned char&>(field)).load(std::memory_order_relaxed);
+}
+
+struct Hooks
+{
+    CMutex mutex;
+    std::shared_ptr<const HookList> list ORTHA_GUARDED_BY(mutex) = std::make_shared<HookList>();  // replaced, never changed
+    std::atomic<bool> any{false};
+};
+
+Hooks& hooks()
+{
+    static Hooks& hooks = *new Hooks;
+    return hooks;
+}
+
+struct ThreadPrinters
+{
+    CRecursiveMutex mutex;  // held while a thread printer runs
+    CThreadSpecific slot;
+    std::atomic<bool> any{false};
+};
+
+ThreadPrinters& threadPrinters()
+{
+    static ThreadPrinters& printers = *new ThreadPrinters;
+    return printers;
+}
+
+// Tells a call made from within a printer or hook on the same thread.
+class ReentranceGuard
+{
+public:
+    ReentranceGuard()
+    {
+        void* inside = nullptr;
+        if (!slot().getValue(&inside))
+        {
+            return;
+        }
+        m_nested = inside != nullptr;
+        m_owner = !m_nested && slot().setValue(reinterpret_cast<const void*>(std::uintptr_t{1}));
+    }
+    ~ReentranceGuard()
+    {
+        if (m_owner)
+        {
+            slot().setValue(nullptr);
+        }
+    }
+    ReentranceGuard(const ReentranceGuard&) = delete;
+    ReentranceGuard& operator=(const ReentranceGuard&) = delete;
+
+    [[nodiscard]] bool nested() const { return m_nested; }
+
+private:
+    static CThreadSpecific& slot()
+    {
+        static CThreadSpecific& slot = *new CThreadSpecific;
+        return slot;
+    }
+
+    bool m_nested = false;
+    bool m_owner = false;
+};
+
+// Callers' code runs in the outlets; what it does to the thread's last error stays inside.
+class LastErrorKeeper
+{
+public:
+    LastErrorKeeper() : m_code(getLastError()) {}
+    ~LastErrorKeeper() { setLastError(m_code); }
+    LastErrorKeeper(const LastErrorKeeper&) = delete;
+    LastErrorKeeper& operator=(const LastErrorKeeper&) = delete;
+
+private:
+    const int m_code;
+};
+
+void runHooks(const char* text)
+{
+    std::shared_ptr<const HookList> tmpPrintProcList;
+    {
+        CGuard guard(hooks().mutex);
+        tmpPrintProcList = hooks().list;
+    }
+    const LastErrorKeeper keeper;
+    for (const Hook& hook : *tmpPrintProcList)
+    {
+        hook(text);
+    }
+}
+
+void runThreadPrinter(const char* text)
+{
+    CRecursiveGuard guard(threadPrinters().mutex);
+    void* printer = nullptr;
+    if (threadPrinters().slot.getValue(&printer) && printer)
+    {
+        const LastErrorKeeper keeper;
+        (*static_cast<Printer*>(printer))(text);
+    }
+}
+
+void dispatch(int level, const char* text)
+{
+    if (s_printer.empty())
+    {
+        Ortha_print(level, text);
+    }
+    else
+    {
+        const LastErrorKeeper keeper;
+        s_printer(text);
+    }
+    if (hooks().any.load(std::memory_order_acquire))
+    {
+        runHooks(text);
+    }
+    if (threadPrinters().any.load(std::memory_order_acquire))
+    {
+        runThreadPrinter(text);
+    }
+}
+
+ORTHA_PRINTF(2, 0) int logShort(int level, const char* format, va_list args)
+{
+    return logFilterEx(level, "Unknown", "Unknown", "", 0, "", format, args);
+}
+
+}  // namespace
+
+int logFilterEx(int level, const char* module, const char* file, const char* function, int line, const char* version, const char* format,
+                va_list args)
+{
+    if (!levelPasses(level))
+    {
+        return 0;
+    }
+    const ErrnoKeeper errnoKeeper;
+    const ReentranceGuard guard;
+    if (guard.nested())
+    {
+        if (logModuleEnabled(module))
+        {
+            std::vfprintf(stdout, format, args);
+        }
+        return 0;
+    }
+    const char* shownVersion = version && readOption(s_options.noVersion) == 0 ? version : "";
+    if (!logModuleEnabled(module))
+    {
+        return 0;
+    }
+    if (level > logLevel.load(std::memory_order_relaxed))
+    {
+        return 0;
+    }
+
+    char buffer[lineBufferSize];
+    LogTime time;
+    int count = formatLine(buffer, level, module, behindLastBackslash(file), function, line, shownVersion, &time, format, args);
+    dispatch(level, buffer);
+    Ortha_resetcolor();
+    count = std::min(count, lineBufferSize);
+    if (readOption(s_options.noSaveFile) == 0)
+    {
+        saveLogLine(buffer, static_cast<unsigned int>(count), time);
+    }
+    if (logStatisticsEnabled.load(std::memory_order_relaxed))
+    {
+        addLogStatistics(module, count);
+    }
+    return count;
+}
+
+int logFilter(int level, const char* module, const char* file, const char* function, int line, const char* version, const char* format, ...)
+{
+    if (!levelPasses(level))
+    {
+        return 0;
+    }
+    va_list args;
+    va_start(args, format);
+    const int count = logFilterEx(level, module, file, function, line, version, format, args);
+    va_end(args);
+    return count;
+}
+
+int logLibName(int level, const char* module, const char* format, ...)
+{
+    if (level < levelFatal || level > levelDebug || !levelPasses(level))
+    {
+        return 0;
+    }
+    va_list args;
+    va_start(args, format);
+    const int count = logFilterEx(level, module, "Unknown", "", 0, "", format, args);
+    va_end(args);
+    return count;
+}
+
+void setPrintLogLevel(int level)
+{
+    logLevel.store(level, std::memory_order_relaxed);
+}
+
+int getPrintLogLevel()
+{
+    return logLevel.load(std::memory_order_relaxed);
+}
+
+void setPrintOptions(PrintOptions options)
+{
+    const auto* from = reinterpret_cast<const unsigned char*>(&options);
+    auto* to = reinterpret_cast<unsigned char*>(&s_options);
+    for (std::size_t i = 0; i < sizeof(PrintOptions); ++i)
+    {
+        std::atomic_ref(to[i]).store(from[i], std::memory_order_relaxed);
+    }
+    setBaseOptions(options);
+}
+
+int getPrintOptions(PrintOptions* options)
+{
+    const auto* from = reinterpret_cast<const unsigned char*>(&s_options);
+    auto* to = reinterpret_cast<unsigned char*>(options);
+    std::transform(from, from + sizeof(PrintOptions), to, readOption);
+    return 0;
+}
+
+int setLogPrinter(TFunction1<void, const char*> printer)
+{
+    s_printer = printer;
+    return 0;
+}
+
+bool attachPrint(TFunction1<bool, const char*> hook)
+{
+    CGuard guard(hooks().mutex);
+    if (std::find(hooks().list->begin(), hooks().list->end(), hook) != hooks().list->end())
+    {
+        return false;
+    }
+    auto list = std::make_shared<HookList>(*hooks().list);
+    list->push_back(hook);
+    hooks().list = std::move(list);
+    hooks().any.store(true, std::memory_order_release);
+    return true;
+}
+
+bool detachPrint(TFunction1<bool, const char*> hook)
+{
+    CGuard guard(hooks().mutex);
+    auto list = std::make_shared<HookList>(*hooks().list);
+    const auto found = std::find(list->begin(), list->end(), hook);
+    if (found == list->end())
+    {
+        return false;
+    }
+    list->erase(found);
+    hooks().any.store(!list->empty(), std::memory_order_release);
+    hooks().list = std::move(list);
+    return true;
+}
+
+int setThreadLogPrinter(TFunction1<void, const char*> printer)
+{
+    static constexpr SourceText<sizeof(__FILE__)> file(__FILE__);
+    ThreadPrinters& printers = threadPrinters();
+    CRecursiveGuard guard(printers.mutex);
+    void* old = nullptr;
+    if (!printers.slot.getValue(&old))
+    {
+        std::printf("[%s:%d] get old cb failed\n", file.text, __LINE__);
+        return 0;
+    }
+    auto copy = printer.empty() ? nullptr : std::make_unique<Printer>(printer);
+    if (!printers.slot.setValue(copy.get()))
+    {
+        std::printf("[%s:%d] set new cb failed\n", file.text, __LINE__);
+        return 0;
+    }
+    static_cast<void>(copy.release());
+    delete static_cast<Printer*>(old);
+    printers.any.store(true, std::memory_order_release);
+    return 1;
+}
+
+void dumpHex(unsigned char* data, std::size_t length)
+{
+    constexpr int rowLength = 16;
+    constexpr int blockLength = 512;
+    const int count = static_cast<int>(length);
+    for (int begin = 0; begin < count; begin += rowLength)
+    {
+        const int bytes = std::min(rowLength, count - begin);
+        const unsigned char* row = data + begin;
+        logTrace("%p: ", static_cast<const void*>(row));
+        for (int i = 0; i < bytes; ++i)
+        {
+            logTrace("%02x ", row[i]);
+        }
+        for (int i = bytes; i < rowLength; ++i)
+        {
+            logTrace("   ");
+        }
+        logTrace("  ");
+        for (int i = 0; i < bytes; ++i)
+        {
+            logTrace("%c", row[i] >= 32 && row[i] <= 122 ? row[i] : '.');
+        }
+        logTrace("\n");
+        if (bytes == rowLength && begin % blockLength == blockLength - rowLength)
+        {
+            logTrace("\n");
+        }
+    }
+}
+
+}  // namespace General::Ortha
+
+// Each short function stands in the global namespace and in General::Ortha.
+#define ORTHA_SHORT_LOG_BODY(level)                                 \
+    {                                                               \
+        if (!::General::Ortha::Detail::levelPasses(level))          \
+        {                                                           \
+            return 0;                                               \
+        }                                                           \
+        va_list args;                                               \
+        va_start(args, format);                                     \
+        const int count = ::General::Ortha::logShort(level, format, args); \
+        va_end(args);                                               \
+        return count;                                               \
+    }
+#define ORTHA_SHORT_LOG(name, level)                       \
+    int name(const char* format, ...) ORTHA_SHORT_LOG_BODY(level) \
+    int General::Ortha::name(const char* format, ...) ORTHA_SHORT_LOG_BODY(level)
+
+ORTHA_SHORT_LOG(logFatal, General::Ortha::levelFatal)
+ORTHA_SHORT_LOG(logError, General::Ortha::levelError)
+ORTHA_SHORT_LOG(logWarn, General::Ortha::levelWarn)
+ORTHA_SHORT_LOG(logInfo, General::Ortha::levelInfo)
+ORTHA_SHORT_LOG(logTrace, General::Ortha::levelTrace)
+ORTHA_SHORT_LOG(logDebug, General::Ortha::levelTrace)

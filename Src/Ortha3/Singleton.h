@@ -1,0 +1,49 @@
+// The way every process-wide manager is made and unmade.
+#pragma once
+
+#include <atomic>
+#include <cstdlib>
+
+#include "ortha/ortha3/Mutex.h"
+
+#include "Src/Ortha3/Log.h"
+
+namespace General::Ortha {
+
+/// Owns the one object of a class that has `friend class Singleton<T>`. The first use constructs it; every later use is one load. It is deleted by an
+/// exit handler, so that what was made last goes first, and what a constructor uses outlives it. A use after that makes a new object, with a new
+/// handler. Any thread.
+template <class T>
+class Singleton
+{
+public:
+    static T* instance()
+    {
+        T* object = s_object.load(std::memory_order_acquire);
+        return object ? object : create();
+    }
+
+private:
+    static T* create()
+    {
+        static CMutex& s_creation = *new CMutex;
+        CGuard guard(s_creation);
+        T* object = s_object.load(std::memory_order_relaxed);
+        if (!object)
+        {
+            object = new T;
+            s_object.store(object, std::memory_order_release);
+            if (std::atexit(&destroy) != 0)
+            {
+                ORTHA_LOG(levelInfo, "atexit failed!\n");
+            }
+        }
+        return object;
+    }
+
+    static void destroy() { delete s_object.exchange(nullptr); }
+
+    static inline std::atomic<T*> s_object{nullptr};
+};
+
+}  // namespace General::Ortha

@@ -1,0 +1,334 @@
+#include "ortha/ortha3/Thread.h"
+
+#include <cerrno>
+
+#include "ortha/ortha3/Time.h"
+
+#include "Src/Ortha3/Log.h"
+#include "Src/Ortha3/ThreadInternal.h"
+
+namespace General::Ortha {
+
+namespace {
+
+constexpr const char* unnamed = "Nonamed";
+constexpr int policyRealTime = 1;
+
+}  // namespace
+
+ThreadInternal::ThreadInternal(CThread* owner, const char* name, int priority, int policy, int stackSize)
+    : m_policy(policy),
+      m_priority(priority),
+      m_stackSize(stackSize),
+      m_name(name ? name : unnamed),
+      m_owner(owner),
+      m_registry(ThreadManagerInternal::instance()->registry())
+{
+}
+
+int ThreadInternal::platformPriority() const
+{
+    const long long value = m_policy == policyRealTime ? 15 : 15 - ((m_priority - 1LL) * 30) / 126;
+    if (value >= 15)
+    {
+        return 15;
+    }
+    if (value <= -15)
+    {
+        return -15;
+    }
+    return value >= 2 ? 2 : value <= -2 ? -2 : static_cast<int>(value);
+}
+
+bool ThreadInternal::timedOut(std::uint64_t now) const
+{
+    const std::uint64_t deadline = m_deadline.load(std::memory_order_relaxed);
+    return deadline != 0 && deadline < now;
+}
+
+void ThreadInternal::setDeadline(int ms, std::uint64_t now)
+{
+    m_deadline.store(ms != 0 ? now + static_cast<std::uint64_t>(static_cast<std::int64_t>(ms)) : 0, std::memory_order_relaxed);
+}
+
+void ThreadInternal::body(void* record)
+{
+    // Also taken when the thread is terminated. Once m_running is 0 the object and the record may be gone.
+    struct Leave
+    {
+        ThreadInternal& thread;
+        ~Leave()
+        {
+            thread.m_registry.removeThread(&thread);
+            const bool orphaned = thread.m_orphaned;
+            thread.m_loop = false;
+            thread.m_running = 0;
+            if (orphaned)
+            {
+                delete &thread;
+            }
+        }
+    };
+
+    ThreadInternal& thread = *static_cast<ThreadInternal*>(record);
+    {
+        CGuard guard(thread.m_mutex);
+        thread.m_running = 1;
+        thread.m_id = CThread::getCurrentThreadID();
+    }
+    Platform::setSystemThreadName(thread.m_id, thread.m_name.text());
+    thread.m_registry.addThread(&thread);
+    const Leave leave{thread};
+    ORTHA_LOG(levelTrace, "ThreadBody Enter name:%s, id:%d, prior:%s%d, stack:%p\n", thread.m_name.text(), thread.m_id.load(),
+              thread.m_policy == policyRealTime ? "R" : "N", thread.m_priority, static_cast<const void*>(&leave));
+    thread.m_owner->threadProc();
+    ORTHA_LOG(levelTrace, "ThreadBody leave name:%s, id:%d \n", thread.m_name.text(), thread.m_id.load());
+}
+
+CThread::CThread(const char* name, int priority, int policy, int stackSize)
+    : m_internal(new ThreadInternal(this, name, priority, policy, stackSize))
+{
+}
+
+CThread::~CThread()
+{
+    bool loop;
+    Platform::NativeThread handle;
+    {
+        CGuard guard(m_internal->m_mutex);
+        loop = m_internal->m_loop;
+        handle = m_internal->m_handle;
+    }
+    if (loop)
+    {
+        destroyThread();
+    }
+    if (m_internal->m_running != 0 && m_internal->m_id == getCurrentThreadID())
+    {
+        // The thread itself ends the process, or its own object, from within its body: it would wait for itself.
+        m_internal->m_orphaned = true;
+        return;
+    }
+    for (unsigned long long times = 1; m_internal->m_running != 0 && handle.exitCode() == Platform::NativeThread::stillActive; ++times)
+    {
+        sleep(1);
+        if (times % 100 == 0)
+        {
+            ORTHA_LOG(levelDebug, "this:%p CThread::~CThread:%s wait for thread over, times:%llu\n", static_cast<void*>(this),
+                      m_internal->m_name.text(), times);
+        }
+    }
+    delete m_internal;
+}
+
+bool CThread::createThread()
+{
+    ThreadInternal& thread = *m_internal;
+    CGuard guard(thread.m_mutex);
+    const auto refuseRunning = [&]
+    {
+        ORTHA_LOG(levelWarn, "this:%p CThread::CreateThread() thread:%s is still running!\n", static_cast<void*>(this), thread.m_name.text());
+        return false;
+    };
+    if (thread.m_loop)
+    {
+        return refuseRunning();
+    }
+    thread.m_handle.close();
+    while (thread.m_running != 0 && !thread.m_loop)
+    {
+        thread.m_mutex.leave();
+        sleep(1);
+        thread.m_mutex.enter();
+    }
+    if (thread.m_loop)
+    {
+        return refuseRunning();
+    }
+
+    thread.m_loop = true;
+    thread.m_id = -1;
+    thread.m_destroying = false;
+    thread.m_deadline = 0;
+    int error = thread.m_handle.start(static_cast<std::size_t>(thread.m_stackSize > 0 ? thread.m_stackSize : 0), &ThreadInternal::body, &thread);
+    if (error == 0)
+    {
+        error = thread.m_handle.setPriority(thread.platformPriority());
+    }
+    if (error != 0)
+    {
+        // A thread that has started but did not get its priority runs its body, which sees looping() false.
+        thread.m_loop = false;
+        ORTHA_LOG(levelError, "this:%p create thread failed, errno:%d\n", static_cast<void*>(this), error);
+        return false;
+    }
+    thread.m_running = thread.m_loop ? 1 : 0;
+    return true;
+}
+
+bool CThread::destroyThread()
+{
+    ThreadInternal& thread = *m_internal;
+    Platform::NativeThread handle;
+    {
+        CGuard guard(thread.m_mutex);
+        const char* refusal = nullptr;
+        if (thread.m_destroying)
+        {
+            refusal = "has been destroyed!";
+        }
+        else if (isThreadOver())
+        {
+            refusal = "has exited!";
+        }
+        if (refusal)
+        {
+            ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread:%s %s\n", static_cast<void*>(this), thread.m_name.text(), refusal);
+            return false;
+        }
+        thread.m_loop = false;
+        thread.m_destroying = true;
+        if (!thread.m_handle.valid())
+        {
+            ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread handle has been invalid!\n", static_cast<void*>(this));
+            return false;
+        }
+        handle = thread.m_handle;
+    }
+    if (thread.m_id == getCurrentThreadID())
+    {
+        return true;
+    }
+    constexpr std::uint32_t waitStep = 50;
+    while (thread.m_running != 0 && !handle.waitForEnd(waitStep) && thread.m_destroying)
+    {
+    }
+    return true;
+}
+
+bool CThread::cancelThread()
+{
+    CGuard guard(m_internal->m_mutex);
+    if (!m_internal->m_loop)
+    {
+        ORTHA_LOG(levelWarn, "this:%p CThread::cancelThread() thread:%s not exist!\n", static_cast<void*>(this), m_internal->m_name.text());
+        return false;
+    }
+    m_internal->m_loop = false;
+    return true;
+}
+
+bool CThread::terminateThread()
+{
+    destroyThread();
+    Platform::NativeThread handle;
+    {
+        CGuard guard(m_internal->m_mutex);
+        handle = m_internal->m_handle;
+    }
+    if (!handle.valid())
+    {
+        ORTHA_LOG(levelError, "this:%p handle is null, can't be terminated\n", static_cast<void*>(this));
+        return false;
+    }
+    return handle.terminate();
+}
+
+bool CThread::isThreadOver()
+{
+    return m_internal->m_running == 0 && !m_internal->m_loop;
+}
+
+bool CThread::looping() const
+{
+    return m_internal->m_loop.load(std::memory_order_relaxed);
+}
+
+int CThread::getThreadID()
+{
+    return m_internal->m_id.load(std::memory_order_relaxed);
+}
+
+const char* CThread::getThreadName()
+{
+    return m_internal->m_name.text();
+}
+
+void CThread::setThreadName(const char* name)
+{
+    m_internal->m_name.set(name ? name : unnamed);
+    const int id = getThreadID();
+    if (id != -1 && m_internal->m_running != 0)
+    {
+        Platform::setSystemThreadName(id, m_internal->m_name.text());
+    }
+}
+
+void CThread::setTimeout(int ms)
+{
+    setTimeout(ms, ms != 0 ? CTime::getCurrentMilliSecond() : 0);
+}
+
+void CThread::setTimeout(int ms, unsigned long long now)
+{
+    m_internal->setDeadline(ms, now);
+}
+
+bool CThread::isTimeout()
+{
+    CGuard guard(m_internal->m_mutex);
+    return m_internal->timedOut(CTime::getCurrentMilliSecond());
+}
+
+void CThread::enableStackSize()
+{
+    m_internal->m_stackSizeEnabled = true;
+}
+
+int CThread::shareSocket(int socket)
+{
+    return socket;
+}
+
+int CThread::getCurrentThreadID()
+{
+    return Platform::currentThreadId();
+}
+
+bool CThread::setCurrentTimeout(int ms)
+{
+    ThreadInternal* thread = ThreadManagerInternal::instance()->registry().getThread(getCurrentThreadID());
+    if (!thread)
+    {
+        return false;
+    }
+    CGuard guard(thread->m_mutex);
+    thread->setDeadline(ms, CTime::getCurrentMilliSecond());
+    return true;
+}
+
+void CThread::sleep(int ms)
+{
+    Platform::sleepMilliseconds(static_cast<std::uint32_t>(ms > 0 ? ms : 0));
+}
+
+CThreadLite::CThreadLite(TFunction1<void, CThreadLite&> proc, const char* name, int priority, int policy, int stackSize)
+    : CThread(name, priority, policy, stackSize), m_proc(new TFunction1<void, CThreadLite&>(proc))
+{
+}
+
+CThreadLite::~CThreadLite()
+{
+    if (!isThreadOver())
+    {
+        destroyThread();
+    }
+    delete m_proc;
+}
+
+void CThreadLite::threadProc()
+{
+    (*m_proc)(*this);
+}
+
+}  // namespace General::Ortha

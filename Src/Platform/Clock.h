@@ -1,0 +1,41 @@
+// The system's clocks.
+#pragma once
+
+#include <cstdint>
+
+namespace General::Ortha::Platform {
+
+struct CalendarTime
+{
+    int year;
+    int month;  // 1 to 12
+    int day;
+    int dayOfWeek;  // 0 is Sunday
+    int hour;
+    int minute;
+    int second;
+    int milliSecond;
+};
+
+/// The readings that everything else is made from. A test replaces it to move the time by hand.
+class ClockSource
+{
+public:
+    virtual ~ClockSource() = default;
+    /// Nanoseconds of the wall clock since 1970-01-01 00:00:00 UTC.
+    virtual std::int64_t wallNanoseconds() = 0;
+    /// A free-running counter that is not moved when the wall clock is set.
+    virtual std::uint64_t counter() = 0;
+    /// Ticks of the counter in a second.
+    virtual std::uint64_t frequency() = 0;
+};
+
+/// Replaces the system's clocks, or brings them back with null. The source must stay until then. Start-up.
+void setClockSource(ClockSource* source);
+
+/// The wall clock in the system's time zone. Reads the clock once. A change of zone is seen within a second.
+CalendarTime localTime();
+std::uint64_t counter();
+std::uint64_t counterFrequency();
+
+}  // namespace General::Ortha::Platform

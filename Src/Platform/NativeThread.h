@@ -1,0 +1,62 @@
+// The system's threads.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace General::Ortha::Platform {
+
+namespace Detail {
+/// The calling thread's id once it has been read, else 0.
+extern constinit thread_local int cachedThreadId;
+int readThreadId();
+}  // namespace Detail
+
+/// The calling thread's system id, positive. Read once a thread, and again in the child of a fork.
+inline int currentThreadId()
+{
+    return Detail::cachedThreadId != 0 ? Detail::cachedThreadId : Detail::readThreadId();
+}
+
+/// Sleeps; 0 gives the processor to another thread that can run.
+void sleepMilliseconds(std::uint32_t milliseconds);
+
+/// Lets the system's tools show a name, cut to what they take (15 bytes on Linux), for a thread of this process. A thread that has ended is passed over.
+void setSystemThreadName(int threadId, const char* name);
+
+/// A handle on a thread. Copies share it; the thread goes on when the last copy is gone. Any thread may use a handle; one object, one thread at a time.
+class NativeThread
+{
+public:
+    using Routine = void (*)(void* argument);
+    static constexpr unsigned int stillActive = 259;
+
+    /// Holds no thread.
+    NativeThread() = default;
+
+    /// Starts a thread that runs `routine` and knows its id before this returns. `stackSize` is in bytes, 0 for the default, and is raised to what
+    /// the system needs at least. 0, or the system's error code, and then no thread is held. A former thread is let go.
+    int start(std::size_t stackSize, Routine routine, void* argument);
+
+    /// True if a thread is held, running or ended.
+    [[nodiscard]] bool valid() const { return m_record != nullptr; }
+    /// Lets the thread go.
+    void close() { m_record.reset(); }
+
+    /// Waits for the thread's end; true if it has ended within the time.
+    [[nodiscard]] bool waitForEnd(std::uint32_t milliseconds) const;
+    /// `stillActive` until the thread has ended, then 0. Without a thread 0.
+    [[nodiscard]] unsigned int exitCode() const;
+    /// Sets one of the seven priorities 15, 2, 1, 0, -1, -2, -15. 0, or the system's error code; a refusal for lack of privilege counts as success.
+    int setPriority(int priority) const;
+    /// Ends the thread at its next system wait, with its objects destroyed; on the thread itself at once, and does not return. True if the thread has
+    /// ended or the request was taken.
+    bool terminate() const;
+
+private:
+    struct Record;
+    std::shared_ptr<Record> m_record;
+};
+
+}  // namespace General::Ortha::Platform

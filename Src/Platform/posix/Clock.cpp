@@ -1,0 +1,66 @@
+#include "Src/Platform/Clock.h"
+
+#include <atomic>
+#include <ctime>
+
+namespace General::Ortha::Platform {
+
+namespace {
+
+constexpr std::int64_t nanosecondsPerSecond = 1000000000;
+
+std::atomic<ClockSource*> s_source{nullptr};
+
+std::int64_t read(clockid_t clock)
+{
+    timespec time;
+    clock_gettime(clock, &time);
+    return static_cast<std::int64_t>(time.tv_sec) * nanosecondsPerSecond + time.tv_nsec;
+}
+
+}  // namespace
+
+void setClockSource(ClockSource* source)
+{
+    s_source.store(source, std::memory_order_release);
+}
+
+CalendarTime localTime()
+{
+    ClockSource* source = s_source.load(std::memory_order_acquire);
+    const std::int64_t now = source ? source->wallNanoseconds() : read(CLOCK_REALTIME);
+    const std::time_t second = now / nanosecondsPerSecond;
+
+    // The runtime's conversion takes the zone's lock; one conversion serves a thread for the whole second.
+    struct Split
+    {
+        std::time_t second = -1;
+        CalendarTime time{};
+    };
+    static constinit thread_local Split split;
+    if (split.second != second)
+    {
+        std::tm fields;
+        localtime_r(&second, &fields);
+        split.time = {fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_wday,
+                      fields.tm_hour,        fields.tm_min,     fields.tm_sec,  0};
+        split.second = second;
+    }
+    CalendarTime time = split.time;
+    time.milliSecond = static_cast<int>(now % nanosecondsPerSecond / 1000000);
+    return time;
+}
+
+std::uint64_t counter()
+{
+    ClockSource* source = s_source.load(std::memory_order_acquire);
+    return source ? source->counter() : static_cast<std::uint64_t>(read(CLOCK_MONOTONIC));
+}
+
+std::uint64_t counterFrequency()
+{
+    ClockSource* source = s_source.load(std::memory_order_acquire);
+    return source ? source->frequency() : static_cast<std::uint64_t>(nanosecondsPerSecond);
+}
+
+}  // namespace General::Ortha::Platform
