@@ -1,0 +1,41 @@
+# Headers, library, CMake package and pkg-config file.
+
+include(CMakePackageConfigHelpers)
+
+install(TARGETS ortha EXPORT OrthaTargets)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
+
+set(ortha_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Ortha)
+configure_package_config_file(cmake/OrthaConfig.cmake.in OrthaConfig.cmake INSTALL_DESTINATION ${ortha_package_dir})
+write_basic_package_version_file(OrthaConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(EXPORT OrthaTargets NAMESPACE Ortha:: DESTINATION ${ortha_package_dir})
+install(FILES ${PROJECT_BINARY_DIR}/OrthaConfig.cmake ${PROJECT_BINARY_DIR}/OrthaConfigVersion.cmake DESTINATION ${ortha_package_dir})
+
+# ortha.pc finds the prefix from its own place, so that the installed tree can be moved. A directory given as an absolute path stays one;
+# if the library's is, so is the prefix.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+    set(ortha_pc_prefix "${CMAKE_INSTALL_PREFIX}")
+else()
+    cmake_path(SET pc_dir NORMALIZE "/${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+    cmake_path(RELATIVE_PATH pc_dir BASE_DIRECTORY "/" OUTPUT_VARIABLE pc_dir)
+    string(REGEX REPLACE "[^/]+" ".." ortha_pc_up "${pc_dir}")
+    set(ortha_pc_prefix "\${pcfiledir}/${ortha_pc_up}")
+endif()
+foreach(dir IN ITEMS INCLUDEDIR LIBDIR)
+    if(IS_ABSOLUTE "${CMAKE_INSTALL_${dir}}")
+        set(ortha_pc_${dir} "${CMAKE_INSTALL_${dir}}")
+    else()
+        set(ortha_pc_${dir} "\${prefix}/${CMAKE_INSTALL_${dir}}")
+    endif()
+endforeach()
+set(ortha_pc_cflags "")
+set(ortha_pc_libs "")
+if(NOT BUILD_SHARED_LIBS)
+    string(APPEND ortha_pc_cflags " -DORTHA_STATIC")
+    string(APPEND ortha_pc_libs " ${CMAKE_THREAD_LIBS_INIT}")
+endif()
+if(ORTHA_INCLUDE_VERSION_CHECK)
+    string(APPEND ortha_pc_cflags " -DORTHA_INCLUDE_VERSION_CHECK")
+endif()
+configure_file(cmake/ortha.pc.in ortha.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/ortha.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,42 @@
+# The library: its objects, which the internal tests link as they are, and the library made of them.
+
+find_package(Threads REQUIRED)
+
+if(WIN32)
+    set(ortha_platform Src/Platform/win32)
+else()
+    set(ortha_platform Src/Platform/posix)
+endif()
+# Globbed, here and for tests, benchmarks and examples: whatever lies in a folder belongs to it, and no list repeats the folder.
+file(GLOB ortha_sources CONFIGURE_DEPENDS
+    ${ortha_platform}/*.cpp Src/*.cpp Src/Ortha3/*.cpp Src/Memory/*.cpp Src/Component/*.cpp Src/Utils/*.cpp Src/Utils/*/*.cpp)
+
+add_library(ortha_objects OBJECT ${ortha_sources})
+ortha_target(ortha_objects)
+set_target_properties(ortha_objects PROPERTIES
+    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+target_include_directories(ortha_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_definitions(ortha_objects PRIVATE ORTHA_BUILDING)
+target_link_libraries(ortha_objects PUBLIC Threads::Threads)
+
+add_library(ortha $<TARGET_OBJECTS:ortha_objects>)
+add_library(Ortha::ortha ALIAS ortha)
+target_compile_features(ortha PUBLIC cxx_std_17)
+target_include_directories(ortha PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+target_link_libraries(ortha PRIVATE Threads::Threads)
+set_target_properties(ortha PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
+
+# Definitions that headers read: the same for the library, its objects and its users.
+foreach(definition IN ITEMS $<$<NOT:$<BOOL:${BUILD_SHARED_LIBS}>>:ORTHA_STATIC>
+                            $<$<BOOL:${ORTHA_INCLUDE_VERSION_CHECK}>:ORTHA_INCLUDE_VERSION_CHECK>)
+    target_compile_definitions(ortha PUBLIC ${definition})
+    target_compile_definitions(ortha_objects PUBLIC ${definition})
+endforeach()
+
+if(BUILD_SHARED_LIBS AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    set(ortha_map ${PROJECT_SOURCE_DIR}/cmake/ortha.map)
+    target_link_options(ortha PRIVATE LINKER:--version-script=${ortha_map})
+    set_target_properties(ortha PROPERTIES LINK_DEPENDS ${ortha_map})
+endif()

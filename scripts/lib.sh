@@ -1,0 +1,66 @@
+# What the commands in this folder share. Source it first: it makes the repository root the current directory.
+# shellcheck shell=bash
+
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+if [[ -t 1 ]]; then
+    bold=$'\e[1m' red=$'\e[31m' plain=$'\e[0m'
+else
+    bold='' red='' plain=''
+fi
+
+# say TEXT: tells which step begins.
+say()
+{
+    echo "${bold}==> $*${plain}"
+}
+
+# fail TEXT: reports an error and ends with status 1.
+fail()
+{
+    echo "${red}$(basename "$0"): $*${plain}" >&2
+    exit 1
+}
+
+# bad_usage TEXT: reports a wrong command line and ends with status 2.
+bad_usage()
+{
+    echo "$(basename "$0"): $*; --help tells more" >&2
+    exit 2
+}
+
+# need PACKAGE...: installs the Debian packages that are missing.
+need()
+{
+    if ! command -v dpkg > /dev/null || ! command -v apt-get > /dev/null; then
+        say "No apt-get here; expecting the equivalents of: $*"
+        return
+    fi
+    local package missing=() root=()
+    for package in "$@"; do
+        if [[ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2> /dev/null)" != installed ]]; then
+            missing+=("$package")
+        fi
+    done
+    if ((${#missing[@]} == 0)); then
+        return
+    fi
+    if ((EUID != 0)); then
+        command -v sudo > /dev/null || fail "need root, or sudo, to install: ${missing[*]}"
+        root=(sudo)
+    fi
+    say "Installing: ${missing[*]}"
+    "${root[@]}" apt-get update -qq || fail "apt-get update failed"
+    "${root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}" < /dev/null > /dev/null || fail "could not install: ${missing[*]}"
+}
+
+# build PRESET: configures and builds it.
+build()
+{
+    say "Configuring ($1)"
+    cmake --preset "$1"
+    say "Building ($1)"
+    cmake --build --preset "$1"
+}
