@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 #include "Src/Ortha3/LogCore.h"
@@ -31,7 +32,7 @@ constexpr Platform::ConsoleColor green = 2;
 constexpr Platform::ConsoleColor red = 4;
 
 constexpr Level levels[] = {
-    {"", 0},
+    {"", 0},  // no print level
     {"fatal ", red | blue},
     {"error ", red},
     {"warn ", red | green},
@@ -39,6 +40,12 @@ constexpr Level levels[] = {
     {"trace ", red | green | blue},
     {"debug ", green | blue},
 };
+
+// A level that no table knows counts as no level.
+const Level& levelEntry(int level)
+{
+    return levels[level >= 0 && level < static_cast<int>(std::size(levels)) ? level : 0];
+}
 
 // The switches of this layer, in the order of PrintOptions.
 constexpr std::size_t optionCount = offsetof(PrintOptions, reserved);
@@ -58,7 +65,7 @@ void setColor(int level)
 {
     s_savedColor.store(Platform::consoleColor(), std::memory_order_relaxed);
     std::fflush(stdout);
-    Platform::setConsoleColor(levels[level].color);
+    Platform::setConsoleColor(levelEntry(level).color);
     s_colorReset.store(false, std::memory_order_relaxed);
 }
 
@@ -253,8 +260,7 @@ int Ortha_logOptionControl(char* buffer, int size, int level, const char* module
     }
 
     const bool structured = option(&PrintOptions::structured);
-    const auto labelled = [&](HeaderWriter& header, const char* before, std::string_view text, const char* after)
-    {
+    const auto labelled = [&](HeaderWriter& header, const char* before, std::string_view text, const char* after) {
         header.text(structured ? before : "");
         header.text(text);
         header.text(structured ? after : "");
@@ -265,7 +271,7 @@ int Ortha_logOptionControl(char* buffer, int size, int level, const char* module
     writeTime(header, now);
     if (!option(&PrintOptions::noLevel))
     {
-        labelled(header, "L:", levels[level].word, "|");
+        labelled(header, "L:", levelEntry(level).word, "|");
     }
     if (!option(&PrintOptions::noModule))
     {

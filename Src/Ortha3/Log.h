@@ -19,9 +19,9 @@ enum LogLevel : int
 }  // namespace General::Ortha
 
 /// Logs one line for the place it stands in: ORTHA_LOG(levelWarn, "this:%p no door\n", this). Lines of objects begin with "this:%p ".
-#define ORTHA_LOG(level, ...)                                                                                                       \
-    do                                                                                                                              \
-    {                                                                                                                               \
-        static constexpr ::General::Ortha::Detail::SourceText<sizeof(__FILE__)> orthaSource(__FILE__);                              \
-        ::General::Ortha::logFilter(level, "Unknown", orthaSource.text, __func__, __LINE__, "Unknown", __VA_ARGS__);                \
+#define ORTHA_LOG(level, ...)                                                                                        \
+    do                                                                                                               \
+    {                                                                                                                \
+        static constexpr ::General::Ortha::Detail::SourceText<sizeof(__FILE__)> orthaSource(__FILE__);               \
+        ::General::Ortha::logFilter(level, "Unknown", orthaSource.text, __func__, __LINE__, "Unknown", __VA_ARGS__); \
     } while (false)

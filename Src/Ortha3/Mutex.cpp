@@ -35,8 +35,8 @@ bool CMutex::leave()
 
 struct CRecursiveMutex::Internal
 {
-    Platform::CriticalSection lock;      // entered once for each outermost enter
-    std::int32_t depth = 0;              // the owner's alone
+    Platform::CriticalSection lock;       // entered once for each outermost enter
+    std::int32_t depth = 0;               // the owner's alone
     std::atomic<std::uint32_t> owner{0};  // thread id; a thread finds its own here only if it put it there
 };
 

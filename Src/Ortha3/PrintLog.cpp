@@ -356,21 +356,19 @@ void dumpHex(unsigned char* data, std::size_t length)
 }  // namespace General::Ortha
 
 // Each short function stands in the global namespace and in General::Ortha.
-#define ORTHA_SHORT_LOG_BODY(level)                                 \
-    {                                                               \
-        if (!::General::Ortha::Detail::levelPasses(level))          \
-        {                                                           \
-            return 0;                                               \
-        }                                                           \
-        va_list args;                                               \
-        va_start(args, format);                                     \
+#define ORTHA_SHORT_LOG(name, level)                                       \
+    int name(const char* format, ...)                                      \
+    {                                                                      \
+        if (!::General::Ortha::Detail::levelPasses(level))                 \
+        {                                                                  \
+            return 0;                                                      \
+        }                                                                  \
+        va_list args;                                                      \
+        va_start(args, format);                                            \
         const int count = ::General::Ortha::logShort(level, format, args); \
-        va_end(args);                                               \
-        return count;                                               \
+        va_end(args);                                                      \
+        return count;                                                      \
     }
-#define ORTHA_SHORT_LOG(name, level)                       \
-    int name(const char* format, ...) ORTHA_SHORT_LOG_BODY(level) \
-    int General::Ortha::name(const char* format, ...) ORTHA_SHORT_LOG_BODY(level)
 
 ORTHA_SHORT_LOG(logFatal, General::Ortha::levelFatal)
 ORTHA_SHORT_LOG(logError, General::Ortha::levelError)
@@ -378,3 +376,9 @@ ORTHA_SHORT_LOG(logWarn, General::Ortha::levelWarn)
 ORTHA_SHORT_LOG(logInfo, General::Ortha::levelInfo)
 ORTHA_SHORT_LOG(logTrace, General::Ortha::levelTrace)
 ORTHA_SHORT_LOG(logDebug, General::Ortha::levelTrace)
+ORTHA_SHORT_LOG(General::Ortha::logFatal, General::Ortha::levelFatal)
+ORTHA_SHORT_LOG(General::Ortha::logError, General::Ortha::levelError)
+ORTHA_SHORT_LOG(General::Ortha::logWarn, General::Ortha::levelWarn)
+ORTHA_SHORT_LOG(General::Ortha::logInfo, General::Ortha::levelInfo)
+ORTHA_SHORT_LOG(General::Ortha::logTrace, General::Ortha::levelTrace)
+ORTHA_SHORT_LOG(General::Ortha::logDebug, General::Ortha::levelTrace)

@@ -23,7 +23,8 @@ struct CSemaphore::Internal
 
 CSemaphore::CSemaphore(int initialCount)
     : m_internal(new Internal{initialCount < 0 ? nullptr
-                                               : new (std::nothrow) Platform::CountingSemaphore(static_cast<std::uint32_t>(initialCount), maximumCount)})
+                                               : new (std::nothrow)
+                                                     Platform::CountingSemaphore(static_cast<std::uint32_t>(initialCount), maximumCount)})
 {
     ORTHA_ASSERT(m_internal->m_handle);
 }

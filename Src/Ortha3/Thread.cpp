@@ -125,9 +125,9 @@ bool CThread::createThread()
 {
     ThreadInternal& thread = *m_internal;
     CGuard guard(thread.m_mutex);
-    const auto refuseRunning = [&]
-    {
-        ORTHA_LOG(levelWarn, "this:%p CThread::CreateThread() thread:%s is still running!\n", static_cast<void*>(this), thread.m_name.text());
+    const auto refuseRunning = [&] {
+        ORTHA_LOG(levelWarn, "this:%p CThread::CreateThread() thread:%s is still running!\n", static_cast<void*>(this),
+                  thread.m_name.text());
         return false;
     };
     if (thread.m_loop)
@@ -150,7 +150,8 @@ bool CThread::createThread()
     thread.m_id = -1;
     thread.m_destroying = false;
     thread.m_deadline = 0;
-    int error = thread.m_handle.start(static_cast<std::size_t>(thread.m_stackSize > 0 ? thread.m_stackSize : 0), &ThreadInternal::body, &thread);
+    int error =
+        thread.m_handle.start(static_cast<std::size_t>(thread.m_stackSize > 0 ? thread.m_stackSize : 0), &ThreadInternal::body, &thread);
     if (error == 0)
     {
         error = thread.m_handle.setPriority(thread.platformPriority());
@@ -183,7 +184,8 @@ bool CThread::destroyThread()
         }
         if (refusal)
         {
-            ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread:%s %s\n", static_cast<void*>(this), thread.m_name.text(), refusal);
+            ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread:%s %s\n", static_cast<void*>(this), thread.m_name.text(),
+                      refusal);
             return false;
         }
         thread.m_loop = false;

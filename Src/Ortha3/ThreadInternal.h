@@ -46,11 +46,11 @@ struct ThreadInternal
     Platform::NativeThread m_handle ORTHA_GUARDED_BY(m_mutex);  // stays after the end, until the next start
 
     // Changed under m_mutex while a start or stop is under way, read without it.
-    std::atomic<int> m_running{0};         // 1 from a successful start to the body's last step
-    std::atomic<int> m_id{-1};             // -1 until the body has begun
-    std::atomic<bool> m_loop{false};       // what looping() answers
-    std::atomic<bool> m_destroying{false}; // destroyThread was called since the last start
-    std::atomic<bool> m_orphaned{false};   // the object was destroyed by its own thread: the body frees the record
+    std::atomic<int> m_running{0};          // 1 from a successful start to the body's last step
+    std::atomic<int> m_id{-1};              // -1 until the body has begun
+    std::atomic<bool> m_loop{false};        // what looping() answers
+    std::atomic<bool> m_destroying{false};  // destroyThread was called since the last start
+    std::atomic<bool> m_orphaned{false};    // the object was destroyed by its own thread: the body frees the record
 
     std::atomic<std::uint64_t> m_deadline{0};  // in the milliseconds of CTime; 0 for none
 };

@@ -72,8 +72,8 @@ void ThreadManagerInternal::dumpThreads()
     getThreadsInfo(infos);
     for (const CThreadManager::ThreadInfo& info : infos)
     {
-        ORTHA_LOG(levelInfo, "%24s   %8u  %3u  %s\n", info.name, static_cast<unsigned int>(info.id), static_cast<unsigned int>(info.priority),
-                  info.isTimeout ? "Timeout" : "Normal");
+        ORTHA_LOG(levelInfo, "%24s   %8u  %3u  %s\n", info.name, static_cast<unsigned int>(info.id),
+                  static_cast<unsigned int>(info.priority), info.isTimeout ? "Timeout" : "Normal");
     }
     ORTHA_LOG(levelInfo, "\n");
 }

@@ -23,7 +23,7 @@ public:
         /// The newest thread with this id, or null. The lock is released on return, so the result is safe to use on that very thread only.
         ThreadInternal* getThread(int id);
 
-        CMutex mutex;                                              // taken before a thread's own m_mutex, never after it
+        CMutex mutex;                                            // taken before a thread's own m_mutex, never after it
         ThreadInternal* head ORTHA_GUARDED_BY(mutex) = nullptr;  // newest first; entries are linked while their body runs
     };
 

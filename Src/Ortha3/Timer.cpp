@@ -112,7 +112,8 @@ bool CTimer::stopAndWait()
         state.mutex.enter();
         if (pass % passesALine == 0)
         {
-            ORTHA_LOG(levelInfo, "this:%p CTimer::Stop Timer:%s wait callback exit!\n", static_cast<void*>(this), m_internal->m_name.text());
+            ORTHA_LOG(levelInfo, "this:%p CTimer::Stop Timer:%s wait callback exit!\n", static_cast<void*>(this),
+                      m_internal->m_name.text());
         }
     }
     return true;

@@ -17,11 +17,11 @@ struct TimerInternal
 {
     explicit TimerInternal(const char* name) : m_name(name) {}
 
-    std::uint64_t m_usedTime = 0;  // microseconds in callbacks, while statistics were on
-    std::uint64_t m_nextTime = 0;  // due time in milliseconds of the manager's clock
-    std::uint64_t m_callTime = 0;  // the manager's clock at the last dispatch
-    std::uint32_t m_period = 0;    // milliseconds; 0 for one-shot
-    std::uint32_t m_timeout = 0;   // watchdog time of a call in milliseconds; 0 for none
+    std::uint64_t m_usedTime = 0;                 // microseconds in callbacks, while statistics were on
+    std::uint64_t m_nextTime = 0;                 // due time in milliseconds of the manager's clock
+    std::uint64_t m_callTime = 0;                 // the manager's clock at the last dispatch
+    std::uint32_t m_period = 0;                   // milliseconds; 0 for one-shot
+    std::uint32_t m_timeout = 0;                  // watchdog time of a call in milliseconds; 0 for none
     TFunction1<void, unsigned long> m_procUlong;  // one of the two is empty
     TFunction1<void, void*> m_procPtr;
     std::uint64_t m_param = 0;

@@ -17,6 +17,24 @@ TimerState& TimerState::get()
     return state;
 }
 
+void TimerState::addThread(CTimerThread* thread)
+{
+    CRecursiveGuard guard(mutex);
+    thread->m_nextThread = threads;
+    threads = thread;
+}
+
+void TimerState::removeThread(CTimerThread* thread)
+{
+    CRecursiveGuard guard(mutex);
+    CTimerThread** link = &threads;
+    while (*link != thread)
+    {
+        link = &(*link)->m_nextThread;
+    }
+    *link = thread->m_nextThread;
+}
+
 TimerManagerInternal::TimerManagerInternal()
     : CThread("TimerManager", 1, 0, 0), m_state(TimerState::get()), m_curTime(CTime::getCurrentMilliSecond())
 {
@@ -172,8 +190,7 @@ CTimerThread* TimerManagerInternal::getTimerThread()
             delete thread;
             return nullptr;
         }
-        thread->m_nextThread = m_state.threads;
-        m_state.threads = thread;
+        m_state.addThread(thread);
     }
     ++m_runningCount;
     return thread;
@@ -210,16 +227,7 @@ void TimerManagerInternal::endThreads(CTimerThread* threads)
         CTimerThread* thread = threads;
         threads = thread->m_nextIdle;
         thread->end();
-        {
-            TimerState& state = TimerState::get();
-            CRecursiveGuard guard(state.mutex);
-            CTimerThread** link = &state.threads;
-            while (*link != thread)
-            {
-                link = &(*link)->m_nextThread;
-            }
-            *link = thread->m_nextThread;
-        }
+        TimerState::get().removeThread(thread);
         delete thread;
     }
 }
@@ -234,8 +242,8 @@ void TimerManagerInternal::dumpTimers()
     {
         const bool running = timer->m_thread != nullptr;
         ORTHA_LOG(levelInfo, "%24s %11" PRIu64 " %11" PRIu64 " %6" PRIu32 " %6d/%6" PRIu32 " %s\n", timer->m_name.text(), timer->m_nextTime,
-                  timer->m_usedTime / 1000, timer->m_period, running ? static_cast<int>(m_curTime - timer->m_callTime) : 0, timer->m_timeout,
-                  running ? "Running" : "Idle");
+                  timer->m_usedTime / 1000, timer->m_period, running ? static_cast<int>(m_curTime - timer->m_callTime) : 0,
+                  timer->m_timeout, running ? "Running" : "Idle");
     }
     ORTHA_LOG(levelInfo, "\n");
 }

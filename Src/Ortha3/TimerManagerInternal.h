@@ -23,6 +23,8 @@ struct TimerState
     CTimerThread* threads ORTHA_GUARDED_BY(mutex) = nullptr;          // all pooled threads; those in a callback at exit stay here
 
     static TimerState& get();
+    void addThread(CTimerThread* thread);
+    void removeThread(CTimerThread* thread);
 };
 
 class TimerManagerInternal : public CThread

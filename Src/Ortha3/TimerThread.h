@@ -25,10 +25,10 @@ public:
     void end();
 
     // Guarded by the timer lock.
-    TimerManagerInternal* m_manager;          // null once the manager is gone: this thread then ends, and touches no timer
-    TimerInternal* m_timer = nullptr;         // being served
-    CTimerThread* m_nextIdle = nullptr;       // of the idle pool
-    CTimerThread* m_nextThread = nullptr;     // of all pooled threads
+    TimerManagerInternal* m_manager;       // null once the manager is gone: this thread then ends, and touches no timer
+    TimerInternal* m_timer = nullptr;      // being served
+    CTimerThread* m_nextIdle = nullptr;    // of the idle pool
+    CTimerThread* m_nextThread = nullptr;  // of all pooled threads
 
 private:
     void threadProc() override;

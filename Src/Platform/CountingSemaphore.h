@@ -25,7 +25,8 @@ public:
 private:
     bool tryTake();
 
-    std::atomic<std::uint64_t> m_value;  // low half: the count; high half: threads that wait. One word, so that post touches nothing after its update
+    std::atomic<std::uint64_t>
+        m_value;  // low half: the count; high half: threads that wait. One word, so that post touches nothing after its update
     const std::uint32_t m_maximum;
 };
 

@@ -26,9 +26,9 @@ public:
 private:
     void enterContended();
 
-    std::atomic<std::uint32_t> m_word{0};        // 0 free, 1 owned, 2 owned and somebody may sleep: the owner wakes one when it leaves
-    std::uint32_t m_nested = 0;                  // enters of the owner beyond the first; the owner's alone
-    std::atomic<const void*> m_owner{nullptr};   // a thread finds its own mark here only if it put it there
+    std::atomic<std::uint32_t> m_word{0};       // 0 free, 1 owned, 2 owned and somebody may sleep: the owner wakes one when it leaves
+    std::uint32_t m_nested = 0;                 // enters of the owner beyond the first; the owner's alone
+    std::atomic<const void*> m_owner{nullptr};  // a thread finds its own mark here only if it put it there
 };
 
 }  // namespace General::Ortha::Platform

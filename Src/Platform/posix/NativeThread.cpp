@@ -74,7 +74,7 @@ struct NativeThread::Record
     void* argument;
     pthread_t thread{};
     std::atomic<std::uint32_t> id{0};
-    std::mutex endMutex;                 // a thread that is found not ended under it can be cancelled
+    std::mutex endMutex;  // a thread that is found not ended under it can be cancelled
     std::atomic<std::uint32_t> ended{0};
 
     struct End  // also run when the thread is cancelled

@@ -17,7 +17,8 @@ namespace General::Ortha::Detail {
 /// Reports a failed assertion and ends the process.
 [[noreturn]] ORTHA_API void assertionFailed(const char* expression, const char* function, const char* file, long line);
 /// The same with a message, which the report prints last.
-[[noreturn]] ORTHA_API void assertionFailedMsg(const char* expression, const char* message, const char* function, const char* file, long line);
+[[noreturn]] ORTHA_API void assertionFailedMsg(const char* expression, const char* message, const char* function, const char* file,
+                                               long line);
 
 }  // namespace General::Ortha::Detail
 
@@ -28,12 +29,12 @@ namespace General::Ortha::Detail {
 #endif
 
 /// Ends the process with the assertion report if `condition` is false.
-#define ORTHA_ASSERT(condition)                                                                                               \
-    do                                                                                                                        \
-    {                                                                                                                         \
-        if (!(condition))                                                                                                     \
-        {                                                                                                                     \
-            static constexpr ::General::Ortha::Detail::SourceText<sizeof(__FILE__)> orthaSource(__FILE__);                    \
-            ::General::Ortha::Detail::assertionFailed(#condition, ORTHA_FUNCTION_SIGNATURE, orthaSource.text, __LINE__);      \
-        }                                                                                                                     \
+#define ORTHA_ASSERT(condition)                                                                                          \
+    do                                                                                                                   \
+    {                                                                                                                    \
+        if (!(condition))                                                                                                \
+        {                                                                                                                \
+            static constexpr ::General::Ortha::Detail::SourceText<sizeof(__FILE__)> orthaSource(__FILE__);               \
+            ::General::Ortha::Detail::assertionFailed(#condition, ORTHA_FUNCTION_SIGNATURE, orthaSource.text, __LINE__); \
+        }                                                                                                                \
     } while (false)

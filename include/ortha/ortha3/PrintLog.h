@@ -71,7 +71,7 @@ ORTHA_API int logDebug(const char* format, ...) ORTHA_PRINTF(1, 2);
 ORTHA_API int logLibName(int level, const char* module, const char* format, ...) ORTHA_PRINTF(3, 4);
 
 /// Logs with everything a header can show. What stands behind the last backslash of `file` is shown, and what stands behind the last ':' of
-/// `function`. Preconditions: `level` is at most 6 and not negative; `file` is not null; `function` is not null while functions are shown.
+/// `function`. A level outside 0 to 6 shows no word. Preconditions: `file` is not null; `function` is not null while functions are shown.
 /// `module` may be null only while modules are hidden; a null `version` counts as empty.
 ORTHA_API int logFilter(int level, const char* module, const char* file, const char* function, int line, const char* version,
                         const char* format, ...) ORTHA_PRINTF(7, 8);

@@ -148,7 +148,8 @@ public:
             m_mutex.enter();
             if (m_slots[i].proc != curProc)
             {
-                log(4, "operator()", __LINE__, "the index of the current proc in the slotsList has changed when operator() released mutex\n");
+                log(4, "operator()", __LINE__,
+                    "the index of the current proc in the slotsList has changed when operator() released mutex\n");
                 const int moved = findRunning(curProc);
                 if (moved < 0)
                 {

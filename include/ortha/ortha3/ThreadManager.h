@@ -26,12 +26,12 @@ public:
     /// One thread, as it stood when it was asked for.
     struct ThreadInfo
     {
-        char name[32];              ///< terminated
-        int id;                     ///< the system's thread id
-        int stackSize;              ///< bytes, as given to the constructor; 0 for the system's default
-        unsigned int priority : 7;  ///< 1 to 127
-        unsigned int policy : 1;    ///< 1 for real-time
-        unsigned int isTimeout : 1; ///< 1 if its watchdog deadline has passed
+        char name[32];               ///< terminated
+        int id;                      ///< the system's thread id
+        int stackSize;               ///< bytes, as given to the constructor; 0 for the system's default
+        unsigned int priority : 7;   ///< 1 to 127
+        unsigned int policy : 1;     ///< 1 for real-time
+        unsigned int isTimeout : 1;  ///< 1 if its watchdog deadline has passed
     };
 
     /// The one register of the process.
