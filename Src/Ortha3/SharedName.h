@@ -7,8 +7,7 @@
 
 namespace General::Ortha {
 
-/// At most 31 characters. A reader may see a mixture of two names, but always a terminated text and never a data race; only `text` hands out the
-/// characters themselves.
+/// At most 31 characters. A reader may see a mixture of two names, but always a terminated text and never a data race.
 class SharedName
 {
 public:
@@ -27,16 +26,24 @@ public:
         }
     }
 
-    void copyTo(char (&name)[size]) const
+    struct Copy
+    {
+        char text[size];
+    };
+
+    [[nodiscard]] Copy copy() const
     {
         std::uint64_t words[wordCount];
         for (std::size_t i = 0; i < wordCount; ++i)
         {
             words[i] = std::atomic_ref(m_words[i]).load(std::memory_order_relaxed);
         }
-        std::memcpy(name, words, size);
+        Copy copy;
+        std::memcpy(copy.text, words, size);
+        return copy;
     }
 
+    /// The characters themselves, for a caller who knows that nobody is changing them.
     [[nodiscard]] const char* text() const { return reinterpret_cast<const char*>(m_words); }
 
 private:

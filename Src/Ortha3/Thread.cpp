@@ -76,13 +76,13 @@ void ThreadInternal::body(void* record)
         thread.m_running = 1;
         thread.m_id = CThread::getCurrentThreadID();
     }
-    Platform::setSystemThreadName(thread.m_id, thread.m_name.text());
+    Platform::setSystemThreadName(thread.m_id, thread.m_name.copy().text);
     thread.m_registry.addThread(&thread);
     const Leave leave{thread};
-    ORTHA_LOG(levelTrace, "ThreadBody Enter name:%s, id:%d, prior:%s%d, stack:%p\n", thread.m_name.text(), thread.m_id.load(),
+    ORTHA_LOG(levelTrace, "ThreadBody Enter name:%s, id:%d, prior:%s%d, stack:%p\n", thread.m_name.copy().text, thread.m_id.load(),
               thread.m_policy == policyRealTime ? "R" : "N", thread.m_priority, static_cast<const void*>(&leave));
     thread.m_owner->threadProc();
-    ORTHA_LOG(levelTrace, "ThreadBody leave name:%s, id:%d \n", thread.m_name.text(), thread.m_id.load());
+    ORTHA_LOG(levelTrace, "ThreadBody leave name:%s, id:%d \n", thread.m_name.copy().text, thread.m_id.load());
 }
 
 CThread::CThread(const char* name, int priority, int policy, int stackSize)
@@ -115,7 +115,7 @@ CThread::~CThread()
         if (times % 100 == 0)
         {
             ORTHA_LOG(levelDebug, "this:%p CThread::~CThread:%s wait for thread over, times:%llu\n", static_cast<void*>(this),
-                      m_internal->m_name.text(), times);
+                      m_internal->m_name.copy().text, times);
         }
     }
     delete m_internal;
@@ -127,7 +127,7 @@ bool CThread::createThread()
     CGuard guard(thread.m_mutex);
     const auto refuseRunning = [&] {
         ORTHA_LOG(levelWarn, "this:%p CThread::CreateThread() thread:%s is still running!\n", static_cast<void*>(this),
-                  thread.m_name.text());
+                  thread.m_name.copy().text);
         return false;
     };
     if (thread.m_loop)
@@ -184,7 +184,7 @@ bool CThread::destroyThread()
         }
         if (refusal)
         {
-            ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread:%s %s\n", static_cast<void*>(this), thread.m_name.text(),
+            ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread:%s %s\n", static_cast<void*>(this), thread.m_name.copy().text,
                       refusal);
             return false;
         }
@@ -213,7 +213,8 @@ bool CThread::cancelThread()
     CGuard guard(m_internal->m_mutex);
     if (!m_internal->m_loop)
     {
-        ORTHA_LOG(levelWarn, "this:%p CThread::cancelThread() thread:%s not exist!\n", static_cast<void*>(this), m_internal->m_name.text());
+        ORTHA_LOG(levelWarn, "this:%p CThread::cancelThread() thread:%s not exist!\n", static_cast<void*>(this),
+                  m_internal->m_name.copy().text);
         return false;
     }
     m_internal->m_loop = false;
@@ -262,7 +263,7 @@ void CThread::setThreadName(const char* name)
     const int id = getThreadID();
     if (id != -1 && m_internal->m_running != 0)
     {
-        Platform::setSystemThreadName(id, m_internal->m_name.text());
+        Platform::setSystemThreadName(id, m_internal->m_name.copy().text);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "ortha/ortha3/ThreadManager.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "ortha/ortha3/Time.h"
 
@@ -85,9 +86,7 @@ bool ThreadManagerInternal::getThreadNameByID(int id, string& name)
     {
         if (thread->m_id == id)
         {
-            char text[SharedName::size];
-            thread->m_name.copyTo(text);
-            name = text;
+            name = thread->m_name.copy().text;
             return true;
         }
     }
@@ -104,11 +103,9 @@ bool ThreadManagerInternal::getTimeOutThreads(string& names)
         CGuard threadGuard(thread->m_mutex);
         if (thread->timedOut(now))
         {
-            char name[SharedName::size];
             char id[16];
-            thread->m_name.copyTo(name);
             std::snprintf(id, sizeof(id), "(%d)", thread->m_id.load());
-            names.append(name).append(id);
+            names.append(thread->m_name.copy().text).append(id);
         }
     }
     return !names.empty();
@@ -125,7 +122,7 @@ bool ThreadManagerInternal::getThreadsInfo(std::list<CThreadManager::ThreadInfo>
     for (ThreadInternal* thread = m_registry.head; thread; thread = thread->m_next)
     {
         CThreadManager::ThreadInfo& info = infos.emplace_back();
-        thread->m_name.copyTo(info.name);
+        std::memcpy(info.name, thread->m_name.copy().text, sizeof(info.name));
         info.id = thread->m_id;
         info.stackSize = thread->m_stackSize;
         info.priority = static_cast<unsigned int>(thread->m_priority) & 127u;

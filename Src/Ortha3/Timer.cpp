@@ -113,7 +113,7 @@ bool CTimer::stopAndWait()
         if (pass % passesALine == 0)
         {
             ORTHA_LOG(levelInfo, "this:%p CTimer::Stop Timer:%s wait callback exit!\n", static_cast<void*>(this),
-                      m_internal->m_name.text());
+                      m_internal->m_name.copy().text);
         }
     }
     return true;

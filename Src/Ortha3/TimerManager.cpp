@@ -241,9 +241,9 @@ void TimerManagerInternal::dumpTimers()
     for (const TimerInternal* timer : m_timers.sorted())
     {
         const bool running = timer->m_thread != nullptr;
-        ORTHA_LOG(levelInfo, "%24s %11" PRIu64 " %11" PRIu64 " %6" PRIu32 " %6d/%6" PRIu32 " %s\n", timer->m_name.text(), timer->m_nextTime,
-                  timer->m_usedTime / 1000, timer->m_period, running ? static_cast<int>(m_curTime - timer->m_callTime) : 0,
-                  timer->m_timeout, running ? "Running" : "Idle");
+        ORTHA_LOG(levelInfo, "%24s %11" PRIu64 " %11" PRIu64 " %6" PRIu32 " %6d/%6" PRIu32 " %s\n", timer->m_name.copy().text,
+                  timer->m_nextTime, timer->m_usedTime / 1000, timer->m_period,
+                  running ? static_cast<int>(m_curTime - timer->m_callTime) : 0, timer->m_timeout, running ? "Running" : "Idle");
     }
     ORTHA_LOG(levelInfo, "\n");
 }

@@ -21,18 +21,17 @@ CTimerThread::CTimerThread(TimerManagerInternal* manager) : CThread(idleName, 64
 
 CTimerThread::~CTimerThread()
 {
-    if (!isThreadOver())
+    // Quieter than destroyThread, which warns of a thread that has just ended by itself.
+    while (!isThreadOver())
     {
-        destroyThread();
+        sleep(1);
     }
 }
 
 void CTimerThread::run(TimerInternal& timer)
 {
-    char name[SharedName::size];
-    timer.m_name.copyTo(name);
     // The thread itself shows the name to the system: from here that would cost more than the whole dispatch.
-    ThreadInternal::of(*this).m_name.set(name);
+    ThreadInternal::of(*this).m_name.set(timer.m_name.copy().text);
     setTimeout(static_cast<int>(std::min<std::uint32_t>(timer.m_timeout, INT_MAX)));
     m_procUlong = timer.m_procUlong;
     m_procPtr = timer.m_procPtr;
@@ -44,9 +43,9 @@ void CTimerThread::run(TimerInternal& timer)
 
 void CTimerThread::end()
 {
+    cancelThread();
     m_exit = true;
     m_semaphore.post();
-    destroyThread();
 }
 
 void CTimerThread::threadProc()

@@ -4,6 +4,8 @@
 //     setPrintLogLevel(5);                                      // trace lines from here on
 //     attachPrint(TFunction1<bool, const char*>(onLogLine));    // every line, also to this function
 //
+// The short functions stand in the global namespace and in General::Ortha; code with `using namespace General::Ortha` must say which.
+//
 // Levels: 1 fatal, 2 error, 3 warn, 4 info, 5 trace, 6 debug. A call above the current level (4 at first) returns 0 at once: nothing is
 // formatted, no lock is taken, no memory allocated. A line that passes goes, in this order, to
 //   1. the log printer if one is set, else the debugger and standard output;

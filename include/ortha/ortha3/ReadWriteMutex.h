@@ -1,9 +1,10 @@
 // CReadWriteMutex: many readers or one writer.
 //
 //     CReadWriteMutex lock;
-//     lock.enterReading();
-//     ...
-//     lock.leave();                           // the same operation ends a read hold and a write hold
+//     {
+//         CReadGuard guard(lock);             // or CWriteGuard
+//         ...
+//     }                                       // lock.leave(): the same operation ends a read hold and a write hold
 //
 // Two modes, chosen at construction:
 // - priorityDefault, for short read holds: a writer that has come keeps later readers and writers out, and gives its time slice away in a loop
@@ -57,6 +58,32 @@ public:
 private:
     struct RWMutexInternal;
     RWMutexInternal* m_internal;
+};
+
+/// Holds read access from its construction to its destruction.
+class CReadGuard
+{
+public:
+    explicit CReadGuard(CReadWriteMutex& mutex) : m_mutex(mutex) { m_mutex.enterReading(); }
+    ~CReadGuard() { m_mutex.leave(); }
+    CReadGuard(const CReadGuard&) = delete;
+    CReadGuard& operator=(const CReadGuard&) = delete;
+
+private:
+    CReadWriteMutex& m_mutex;
+};
+
+/// Holds write access from its construction to its destruction.
+class CWriteGuard
+{
+public:
+    explicit CWriteGuard(CReadWriteMutex& mutex) : m_mutex(mutex) { m_mutex.enterWriting(); }
+    ~CWriteGuard() { m_mutex.leave(); }
+    CWriteGuard(const CWriteGuard&) = delete;
+    CWriteGuard& operator=(const CWriteGuard&) = delete;
+
+private:
+    CReadWriteMutex& m_mutex;
 };
 
 }  // namespace General::Ortha

@@ -46,8 +46,8 @@ public:
     /// Arms the timer, also if it is started already: first call after `delay` milliseconds, then every `period` milliseconds, or never again if `period` is 0.
     /// `proc`, which is copied, gets `param`, of which the low 32 bits arrive. `timeout` is the watchdog time of one call in milliseconds, 0 for
     /// none: a call that takes longer goes on, and shows as "Timeout" in the thread table.
-    /// A delay of 0 hands the first call out before returning; then, and only then, the result can be false: the last call was still running,
-    /// or the limit of running threads was reached (see CTimerManager; the timer stays armed).
+    /// A delay of 0 hands the first call out before returning; then the result can be false: the last call was still running, or the limit of
+    /// running threads was reached (see CTimerManager; the timer stays armed). Also false, with nothing armed, once the manager is gone at exit.
     bool start(TFunction1<void, unsigned long> proc, unsigned int delay, unsigned int period, unsigned long param, unsigned int timeout);
     /// The same with a pointer, which the timer does not own.
     bool start(TFunction1<void, void*> proc, unsigned int delay, unsigned int period, void* param, unsigned int timeout);

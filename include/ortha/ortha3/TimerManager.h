@@ -24,6 +24,7 @@ public:
 
     /// Logs the timer table at level 4, in the order of due times: name, next due time and run time so far (with statistics on) in milliseconds,
     /// period, time in the current call and its watchdog time, "Running" or "Idle".
+    /// The lines are logged while all timers stand still: a printer or hook must not wait for a timer.
     void dumpTimers();
     /// Keeps at most `limit` idle pooled threads, the most recently used ones; below 1 there is no limit. Takes effect when a callback returns.
     /// Always true.

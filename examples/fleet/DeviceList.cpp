@@ -1,0 +1,117 @@
+#include "DeviceList.h"
+
+#include <charconv>
+#include <fstream>
+#include <optional>
+#include <set>
+#include <string_view>
+
+namespace Fleet {
+
+namespace {
+
+std::string_view trim(std::string_view text)
+{
+    constexpr std::string_view blanks = " \t\r";
+    const std::size_t first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos)
+    {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+std::vector<std::string_view> split(std::string_view line)
+{
+    std::vector<std::string_view> fields;
+    for (std::size_t comma = line.find(','); comma != std::string_view::npos; comma = line.find(','))
+    {
+        fields.push_back(trim(line.substr(0, comma)));
+        line.remove_prefix(comma + 1);
+    }
+    fields.push_back(trim(line));
+    return fields;
+}
+
+template <class Number>
+std::optional<Number> parse(std::string_view text)
+{
+    Number number{};
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+std::string quoted(std::string_view text)
+{
+    return std::string("'").append(text).append("'");
+}
+
+}  // namespace
+
+DeviceListError::DeviceListError(const std::string& file, unsigned int line, const std::string& fault)
+    : std::runtime_error(file + ":" + std::to_string(line) + ": " + fault)
+{
+}
+
+std::vector<Device> readDeviceList(const std::string& file)
+{
+    std::ifstream list(file);
+    if (!list)
+    {
+        throw DeviceListError(file + ": cannot be read");
+    }
+    std::vector<Device> devices;
+    std::set<std::string> ids;
+    std::string text;
+    for (unsigned int number = 1; std::getline(list, text); ++number)
+    {
+        const auto refuse = [&](const std::string& fault) { throw DeviceListError(file, number, fault); };
+        const std::string_view line = trim(text);
+        if (line.empty() || line.front() == '#')
+        {
+            continue;
+        }
+        const std::vector<std::string_view> fields = split(line);
+        if (fields.size() != 4)
+        {
+            refuse("expected 4 fields (id, address, port, period), found " + std::to_string(fields.size()));
+        }
+        if (fields[0].empty())
+        {
+            refuse("empty id");
+        }
+        if (!ids.emplace(fields[0]).second)
+        {
+            refuse("id " + quoted(fields[0]) + " is there already");
+        }
+        asio::error_code error;
+        const asio::ip::address address = asio::ip::make_address(std::string(fields[1]), error);
+        if (error)
+        {
+            refuse(quoted(fields[1]) + " is not an IP address");
+        }
+        const auto port = parse<unsigned short>(fields[2]);
+        if (!port)
+        {
+            refuse(quoted(fields[2]) + " is not a port from 0 to 65535");
+        }
+        const auto period = parse<unsigned int>(fields[3]);
+        if (!period || *period == 0)
+        {
+            refuse(quoted(fields[3]) + " is not a period in milliseconds, a whole number from 1");
+        }
+        devices.push_back({std::string(fields[0]), {address, *port}, *period, number});
+    }
+    if (list.bad())
+    {
+        throw DeviceListError(file + ": cannot be read");
+    }
+    if (devices.empty())
+    {
+        throw DeviceListError(file + ": names no device");
+    }
+    return devices;
+}
+
+}  // namespace Fleet

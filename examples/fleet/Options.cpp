@@ -1,0 +1,66 @@
+#include "Options.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+
+namespace Fleet {
+
+namespace {
+
+// A list beside the program goes before the one it was built with.
+std::string defaultList(const char* program)
+{
+    namespace fs = std::filesystem;
+    const fs::path folder = fs::path(program).parent_path();
+    std::error_code error;
+    if (!folder.empty() && fs::exists(folder / "devices.csv", error))
+    {
+        return (folder / "devices.csv").string();
+    }
+#ifdef FLEET_DEVICES
+    return FLEET_DEVICES;
+#else
+    return "devices.csv";
+#endif
+}
+
+}  // namespace
+
+std::optional<int> readOptions(int argc, char** argv, Options& options)
+{
+    CLI::App app("Polls the devices of a list over TCP and reports what they measure. Ctrl-C stops it.", "fleet");
+    app.get_formatter()->column_width(28);
+    options.devices = defaultList(argv[0]);
+    unsigned int seconds = 0;
+    bool simulate = false;
+    bool noSimulate = false;
+    app.add_option("--devices", options.devices, "the list: id, address, port, period in milliseconds a line; # begins a comment")
+        ->option_text("FILE");
+    CLI::Option* const all = app.add_flag("--simulate", simulate, "plays all devices itself; by default those of port 0");
+    app.add_flag("--no-simulate", noSimulate, "plays none")->excludes(all);
+    app.add_option("--seconds", seconds, "stops after N seconds")->option_text("N")->check(CLI::Range(1U, 1000000000U));
+    app.add_flag("--verbose", options.verbose, "logs at trace level");
+    try
+    {
+        app.parse(argc, argv);
+    }
+    catch (const CLI::CallForHelp&)
+    {
+        std::cout << app.help();
+        return 0;
+    }
+    catch (const CLI::ParseError& error)
+    {
+        std::cerr << "fleet: " << error.what() << "; --help tells more\n";
+        return 2;
+    }
+    options.runTime = std::chrono::seconds(seconds);
+    if (simulate || noSimulate)
+    {
+        options.simulate = simulate;
+    }
+    return std::nullopt;
+}
+
+}  // namespace Fleet

@@ -1,0 +1,114 @@
+#include "Reporter.h"
+
+#include <ortha/ortha3/PrintLog.h>
+#include <ortha/ortha3/ThreadManager.h>
+#include <ortha/ortha3/Time.h>
+#include <ortha/ortha3/TimerManager.h>
+
+#include <algorithm>
+#include <cstdio>
+
+using General::Ortha::CGuard;
+using General::Ortha::CThreadManager;
+using General::Ortha::CTime;
+using General::Ortha::CTimerManager;
+
+namespace Fleet {
+
+namespace {
+
+constexpr unsigned int tablePeriod = 2000;  // milliseconds, as all times here
+constexpr int pause = 50;                   // how long a stop may have to wait
+constexpr int watchdogTime = 5000;
+
+double milliseconds(double microseconds)
+{
+    return microseconds / 1000;
+}
+
+}  // namespace
+
+Reporter::Reporter(const std::vector<Device>& devices, const Collector& collector)
+    : CThread("Reporter", 64, 0, 0), m_devices(devices), m_collector(collector), m_idWidth(8)
+{
+    for (const Device& device : devices)
+    {
+        m_idWidth = std::max(m_idWidth, static_cast<int>(device.id.size()));
+    }
+}
+
+Reporter::~Reporter()
+{
+    if (!isThreadOver())
+    {
+        destroyThread();
+    }
+}
+
+void Reporter::onReading(std::size_t device, const Reading& reading)
+{
+    const char* const id = m_devices[device].id.c_str();
+    CGuard guard(m_output);
+    if (reading.reconnected)
+    {
+        logInfo(" %-*s  connected again\n", m_idWidth, id);
+    }
+    if (reading.ok)
+    {
+        logInfo(" %-*s %9.2f %-4s %9.1f ms\n", m_idWidth, id, reading.value, reading.unit.c_str(),
+                milliseconds(static_cast<double>(reading.latency)));
+    }
+    else
+    {
+        logWarn(" %-*s  %s\n", m_idWidth, id, reading.error.c_str());
+    }
+}
+
+void Reporter::logStatistics(const char* title)
+{
+    const std::vector<Statistics> statistics = m_collector.statistics();
+    CGuard guard(m_output);
+    logInfo("%s\n", title);
+    logInfo(" %-*s readings errors reconnects    last     min     max    mean  ms: mean     max\n", m_idWidth, "device");
+    Statistics total;
+    for (std::size_t i = 0; i < statistics.size(); ++i)
+    {
+        const Statistics& device = statistics[i];
+        char values[96] = "";
+        if (device.readings != 0)
+        {
+            const double count = static_cast<double>(device.readings);
+            std::snprintf(values, sizeof(values), " %7.2f %7.2f %7.2f %7.2f %9.1f %7.1f", device.last, device.min, device.max,
+                          device.sum / count, milliseconds(static_cast<double>(device.latencySum) / count),
+                          milliseconds(static_cast<double>(device.latencyMax)));
+        }
+        // A row is one call: texts of other threads can stand between two.
+        logInfo(" %-*s %8llu %6llu %10llu%s\n", m_idWidth, m_devices[i].id.c_str(), device.readings, device.errors, device.reconnects,
+                values);
+        total.readings += device.readings;
+        total.errors += device.errors;
+        total.reconnects += device.reconnects;
+    }
+    logInfo(" %-*s %8llu %6llu %10llu\n\n", m_idWidth, "together", total.readings, total.errors, total.reconnects);
+}
+
+void Reporter::threadProc()
+{
+    unsigned long long next = CTime::getCurrentMilliSecond() + tablePeriod;
+    while (looping())
+    {
+        setTimeout(watchdogTime);
+        sleep(pause);
+        if (!looping() || CTime::getCurrentMilliSecond() < next)
+        {
+            continue;
+        }
+        next += tablePeriod;
+        logStatistics("Statistics:");
+        CGuard guard(m_output);
+        CThreadManager::instance()->dumpThreads();
+        CTimerManager::instance()->dumpTimers();
+    }
+}
+
+}  // namespace Fleet

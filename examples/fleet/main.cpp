@@ -1,0 +1,154 @@
+// fleet: polls a fleet of devices over TCP, one timer each, and reports what they measure.
+
+#include <ortha/ortha3/PrintLog.h>
+#include <ortha/ortha3/ThreadManager.h>
+
+#include <csignal>
+#include <cstdio>
+#include <deque>
+#include <exception>
+#include <string>
+
+#include "Asio.h"
+#include "Collector.h"
+#include "DeviceList.h"
+#include "Options.h"
+#include "Poller.h"
+#include "Reporter.h"
+#include "Simulator.h"
+
+namespace Fleet {
+
+namespace {
+
+void configureLog(bool verbose)
+{
+    General::Ortha::PrintOptions options;
+    options.noModule = 1;
+    options.noVersion = 1;
+    options.noFile = 1;
+    options.noLine = 1;
+    options.showMilliseconds = 1;
+    General::Ortha::setPrintOptions(options);
+    if (verbose)
+    {
+        General::Ortha::setPrintLogLevel(5);
+    }
+}
+
+// Gives every device that is to be simulated a server.
+void simulate(const Options& options, std::vector<Device>& devices, Simulator& simulator)
+{
+    for (Device& device : devices)
+    {
+        if (options.simulate.value_or(device.endpoint.port() == 0))
+        {
+            device.endpoint = simulator.addDevice();
+        }
+        else if (device.endpoint.port() == 0)
+        {
+            throw DeviceListError(options.devices, device.line, "port 0 is for simulated devices");
+        }
+    }
+}
+
+// Waits for SIGINT, SIGTERM or the end of the run time, 0 for none. Tells which it was.
+std::string waitForStop(asio::io_context& io, asio::signal_set& signals, std::chrono::seconds runTime)
+{
+    std::string reason = "the time is up";
+    asio::steady_timer timer(io);
+    signals.async_wait([&](const asio::error_code& error, int signal) {
+        if (!error)
+        {
+            reason = signal == SIGINT ? "SIGINT" : "SIGTERM";
+            timer.cancel();
+        }
+    });
+    if (runTime.count() != 0)
+    {
+        timer.expires_after(runTime);
+        timer.async_wait([&](const asio::error_code&) {
+            asio::error_code ignored;
+            signals.cancel(ignored);
+        });
+    }
+    io.run();
+    return reason;
+}
+
+int run(const Options& options)
+{
+    std::vector<Device> devices = readDeviceList(options.devices);
+    Simulator simulator;
+    simulate(options, devices, simulator);
+
+    // From here on a signal is kept for waitForStop. A second one while the program stops changes nothing.
+    asio::io_context io;
+    asio::signal_set signals(io, SIGINT, SIGTERM);
+
+    configureLog(options.verbose);
+    General::Ortha::CThreadManager::instance()->registerMainThread();
+    const std::string end = options.runTime.count() == 0 ? "Ctrl-C stops" : "stops after " + std::to_string(options.runTime.count()) + " s";
+    logInfo("fleet: %zu devices of %s, %zu of them simulated; %s.\n\n", devices.size(), options.devices.c_str(), simulator.devices(),
+            end.c_str());
+
+    Collector collector(devices.size());
+    Reporter reporter(devices, collector);
+    ReadingSignal readings(2);
+    readings.attach(ReadingSignal::Proc(&Collector::onReading, &collector));
+    readings.attach(ReadingSignal::Proc(&Reporter::onReading, &reporter));
+
+    if (simulator.devices() != 0 && !simulator.createThread())
+    {
+        throw std::runtime_error("the simulator does not start");
+    }
+    std::deque<Poller> pollers;  // a poller stays where it is made
+    for (std::size_t i = 0; i < devices.size(); ++i)
+    {
+        Poller& poller = pollers.emplace_back(i, devices[i], readings);
+        constexpr unsigned int spread = 50;  // the first polls do not all come at once
+        poller.start(1 + static_cast<unsigned int>(i % 20) * spread);
+    }
+    if (!reporter.createThread())
+    {
+        throw std::runtime_error("the reporter does not start");
+    }
+
+    const std::string reason = waitForStop(io, signals, options.runTime);
+    logInfo("fleet: %s, stopping.\n", reason.c_str());
+    for (Poller& poller : pollers)
+    {
+        poller.stop();
+    }
+    reporter.destroyThread();
+    pollers.clear();
+    reporter.logStatistics("Closing report:");
+    return 0;
+}
+
+}  // namespace
+
+}  // namespace Fleet
+
+int main(int argc, char** argv)
+{
+    Fleet::Options options;
+    if (const auto exitCode = Fleet::readOptions(argc, argv, options))
+    {
+        return *exitCode;
+    }
+    try
+    {
+        return Fleet::run(options);
+    }
+    catch (const Fleet::DeviceListError& error)
+    {
+        std::fprintf(stderr, "fleet: %s\n", error.what());
+        return 2;
+    }
+    catch (const std::exception& error)
+    {
+        std::fprintf(stderr, "fleet: %s\n", error.what());
+        return 1;
+    }
+}

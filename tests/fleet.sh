@@ -1,0 +1,97 @@
+#!/usr/bin/env bash
+# Checks the example program "fleet", whose path is the first argument: what it refuses, and that it runs and stops.
+set -euo pipefail
+
+fleet="$1"
+[[ -x "$fleet" ]] || { echo "no program: $fleet" >&2; exit 1; }
+folder="$(mktemp -d)"
+trap 'rm -rf "$folder"' EXIT
+failures=0
+
+failed()
+{
+    echo "FAILED: $*" >&2
+    failures=$((failures + 1))
+}
+
+# refuses TEXT ARGUMENT...: fleet ends with 2, with TEXT on standard error and nothing on standard output.
+refuses()
+{
+    local text="$1" code=0
+    shift
+    timeout 10 "$fleet" "$@" > "$folder/out" 2> "$folder/err" || code=$?
+    [[ $code == 2 ]] || failed "fleet $*: exit code $code instead of 2"
+    grep -qF -- "$text" "$folder/err" || failed "fleet $*: '$text' is not in: $(cat "$folder/err")"
+    [[ ! -s "$folder/out" ]] || failed "fleet $*: writes to standard output"
+}
+
+# refuses_list TEXT LINE...: the same of a device list of these lines.
+refuses_list()
+{
+    local text="$1"
+    shift
+    printf '%s\n' "$@" > "$folder/list.csv"
+    refuses "$text" --devices "$folder/list.csv"
+}
+
+# shows PATTERN: the last run wrote a line that matches.
+shows()
+{
+    grep -qE -- "$1" "$folder/out" || failed "no line matches '$1'"
+}
+
+refuses --unknown --unknown
+refuses --seconds --seconds 0
+refuses --no-simulate --simulate --no-simulate
+refuses "$folder/missing.csv" --devices "$folder/missing.csv"
+refuses "$folder: " --devices "$folder"
+
+refuses_list "list.csv: names no device" '# nothing' ''
+refuses_list "list.csv:3: expected 4 fields" '# id, address, port, period' '' 'a, 127.0.0.1, 0'
+refuses_list "list.csv:1: empty id" ' , 127.0.0.1, 0, 1000'
+refuses_list "list.csv:2: id 'a'" 'a, 127.0.0.1, 0, 1000' 'a, 127.0.0.1, 0, 1000'
+refuses_list "list.csv:1: '127.0.0'" 'a, 127.0.0, 0, 1000'
+refuses_list "list.csv:1: '65536'" 'a, 127.0.0.1, 65536, 1000'
+refuses_list "list.csv:1: '-1'" 'a, 127.0.0.1, 80, -1'
+refuses_list "list.csv:1: '1s'" 'a, 127.0.0.1, 80, 1s'
+printf 'a, 127.0.0.1, 80, 1000\nb, ::1, 0, 1000\n' > "$folder/list.csv"
+refuses "list.csv:2: port 0" --devices "$folder/list.csv" --no-simulate
+
+timeout 10 "$fleet" --help > "$folder/out" || failed "--help: exit code $?"
+shows '--devices FILE'
+
+# Two fast devices, the slow one, and the one that drops its connection: the built-in list's places.
+for id in first second slow fourth fifth drops; do
+    echo "$id, 127.0.0.1, 0, 200"
+done > "$folder/list.csv"
+timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 5 > "$folder/out" 2>&1 || failed "a run of 5 seconds: exit code $?"
+shows 'info .*\] first +-?[0-9]+\.[0-9]{2} C '
+shows 'warn .*\] drops +no answer'
+shows '\] drops +connected again'
+shows '\] +slow +[0-9]+ +64 +Timeout$'
+shows '\] +second +[0-9]+ +[0-9]+ +200 '
+shows 'Closing report:'
+
+printf 'first, 127.0.0.1, 0, 200\n' > "$folder/list.csv"
+for signal in INT TERM; do
+    : > "$folder/out"  # the last run's readings would pass for this one's
+    "$fleet" --devices "$folder/list.csv" > "$folder/out" 2>&1 &
+    pid=$!
+    for ((i = 0; i < 200; ++i)); do
+        grep -q ' ms$' "$folder/out" && break
+        sleep 0.05
+    done
+    code=0
+    kill -"$signal" "$pid" || failed "it has ended before SIG$signal"
+    timeout 15 tail --pid="$pid" -f /dev/null || { failed "SIG$signal does not end it" && kill -KILL "$pid"; }
+    wait "$pid" || code=$?
+    [[ $code == 0 ]] || failed "SIG$signal: exit code $code"
+    shows "SIG$signal, stopping"
+done
+
+if ((failures)); then
+    echo "fleet: $failures checks failed; the last run wrote:" >&2
+    cat "$folder/out" >&2
+    exit 1
+fi
+echo "fleet: all checks passed"
