@@ -1,0 +1,170 @@
+// What the benchmark programs share.
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <pthread.h>
+#include <sched.h>
+
+#include <condition_variable>
+#include <cstdint>
+#include <initializer_list>
+#include <mutex>
+#include <random>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace Bench {
+
+/// A second thread that sleeps through the run: in a process of one thread the allocator, the locks and the shared pointers of the C and C++
+/// runtimes leave their atomic operations out, and look cheaper than any program that uses this library will see them.
+class SleepingThread
+{
+public:
+    SleepingThread() : m_thread([this] { sleep(); }) {}
+    ~SleepingThread()
+    {
+        {
+            const std::lock_guard<std::mutex> guard(m_mutex);
+            m_done = true;
+        }
+        m_wake.notify_one();
+        m_thread.join();
+    }
+    SleepingThread(const SleepingThread&) = delete;
+    SleepingThread& operator=(const SleepingThread&) = delete;
+
+private:
+    void sleep()
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_wake.wait(lock, [this] { return m_done; });
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    bool m_done = false;
+    std::thread m_thread;
+};
+
+/// Where the threads of a row run. Waking a thread on another processor of a virtual machine costs tens of microseconds, whoever does it, and
+/// hides what the primitive costs: rows that hand something over are measured on one processor, and once as the system places the threads.
+/// Rows that fight for something need a processor for each thread.
+enum class Placement
+{
+    oneProcessor,
+    apart,
+    anywhere
+};
+
+inline const char* nameOf(Placement placement)
+{
+    return placement == Placement::oneProcessor ? "one-processor" : placement == Placement::apart ? "apart" : "anywhere";
+}
+
+/// Ties the calling thread to a processor for as long as this lives. `number` tells the threads of a row apart: from 0.
+class PlacedThread
+{
+public:
+    explicit PlacedThread(Placement placement, int number = 0)
+    {
+        CPU_ZERO(&m_before);
+        if (placement == Placement::anywhere)
+        {
+            return;
+        }
+        m_failed = pthread_getaffinity_np(pthread_self(), sizeof(m_before), &m_before) != 0;
+        int skip = placement == Placement::apart ? number : 0;
+        int processor = CPU_SETSIZE - 1;
+        while (processor >= 0 && (!CPU_ISSET(processor, &m_before) || skip-- > 0))
+        {
+            --processor;
+        }
+        if (m_failed || processor < 0)
+        {
+            m_failed = true;
+            return;
+        }
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(processor, &one);
+        m_moved = pthread_setaffinity_np(pthread_self(), sizeof(one), &one) == 0;
+        m_failed = !m_moved;
+    }
+    ~PlacedThread()
+    {
+        if (m_moved)
+        {
+            pthread_setaffinity_np(pthread_self(), sizeof(m_before), &m_before);
+        }
+    }
+    PlacedThread(const PlacedThread&) = delete;
+    PlacedThread& operator=(const PlacedThread&) = delete;
+
+    /// True if the system refused or has no such processor: the row must not be reported as measured there.
+    [[nodiscard]] bool failed() const { return m_failed; }
+
+private:
+    cpu_set_t m_before;
+    bool m_moved = false;
+    bool m_failed = false;
+};
+
+/// Numbers that look random and are the same in every run, so that ours and the peers get the same work. Taking one costs a load.
+template <class T>
+class Draw
+{
+public:
+    Draw(T lowest, T highest)
+    {
+        std::mt19937_64 random(20240229);
+        std::uniform_int_distribution<T> distribution(lowest, highest);
+        for (T& value : m_values)
+        {
+            value = distribution(random);
+        }
+    }
+
+    T operator()() { return m_values[m_next++ % count]; }
+
+private:
+    static constexpr std::size_t count = 1 << 16;
+    std::vector<T> m_values = std::vector<T>(count);
+    std::size_t m_next = 0;
+};
+
+/// The parts of a row's name with slashes between.
+inline std::string nameOf(std::initializer_list<std::string_view> parts)
+{
+    std::string name;
+    for (const std::string_view part : parts)
+    {
+        name.append(name.empty() ? "" : "/").append(part);
+    }
+    return name;
+}
+
+/// Adds a row, "area/operation/arguments/who".
+template <class Function>
+benchmark::internal::Benchmark* row(const std::string& name, Function&& function)
+{
+    return benchmark::RegisterBenchmark(name.c_str(), std::forward<Function>(function));
+}
+
+/// The body of every program's main: runs the rows that were added.
+inline int run(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    {
+        return 1;
+    }
+    const SleepingThread sleeping;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
+
+}  // namespace Bench
