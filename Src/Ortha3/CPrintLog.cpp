@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <charconv>
+#include <climits>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <string_view>
 
+#include "Src/Ortha3/LineFormat.h"
 #include "Src/Ortha3/LogCore.h"
 #include "Src/Platform/Clock.h"
 #include "Src/Platform/Console.h"
@@ -52,7 +54,7 @@ constexpr std::size_t optionCount = offsetof(PrintOptions, reserved);
 unsigned char s_options[optionCount] = {};
 
 std::atomic<bool> s_colorReset{true};
-std::atomic<Platform::ConsoleColor> s_savedColor{0};
+std::atomic<Platform::ConsoleColor> s_savedColor{0};  // 0 until a colour was set
 
 bool option(unsigned char PrintOptions::*field)
 {
@@ -73,7 +75,21 @@ void setColor(int level)
 class HeaderWriter
 {
 public:
-    HeaderWriter(char* buffer, int size) : m_begin(buffer), m_at(buffer), m_end(buffer + size - 1) {}
+    HeaderWriter(char* buffer, int size, bool structured)
+        : m_begin(buffer), m_at(buffer), m_end(buffer + size - 1), m_structured(structured)
+    {
+    }
+
+    [[nodiscard]] bool structured() const { return m_structured; }
+
+    /// Text of the labelled form alone.
+    void label(std::string_view label)
+    {
+        if (m_structured)
+        {
+            text(label);
+        }
+    }
 
     void text(std::string_view text)
     {
@@ -91,12 +107,23 @@ public:
 
     void padded(int value, int width)
     {
-        char digits[8] = {'0', '0', '0', '0', '0', '0', '0', '0'};
-        for (int i = width; i > 0 && value != 0; value /= 10)
+        char digits[8];
+        for (int i = width; i > 0; value /= 10)
         {
             digits[--i] = static_cast<char>('0' + value % 10);
         }
-        text({digits, static_cast<std::size_t>(width)});
+        for (int i = 0; i < width; ++i)
+        {
+            character(digits[i]);
+        }
+    }
+
+    void character(char c)
+    {
+        if (m_at < m_end)
+        {
+            *m_at++ = c;
+        }
     }
 
     int finish()
@@ -109,68 +136,118 @@ private:
     char* const m_begin;
     char* m_at;
     char* const m_end;  // room for the terminator
+    const bool m_structured;
 };
 
 void writeTime(HeaderWriter& header, const LogTime& time)
 {
+    header.label("|T: ");
     if (option(&PrintOptions::showDate))
     {
         header.padded(time.year, 4);
-        header.text("-");
+        header.character('-');
         header.padded(time.month, 2);
-        header.text("-");
+        header.character('-');
         header.padded(time.day, 2);
-        header.text("T");
+        header.character('T');
     }
     if (!option(&PrintOptions::noTime))
     {
         header.padded(time.hour, 2);
-        header.text(":");
+        header.character(':');
         header.padded(time.minute, 2);
-        header.text(":");
+        header.character(':');
         header.padded(time.second, 2);
         if (option(&PrintOptions::showMilliseconds))
         {
-            header.text(".");
+            header.character('.');
             header.padded(time.milliSecond, 3);
         }
     }
-    header.text(" ");
+    header.character(' ');
 }
 
-void writeVersion(HeaderWriter& header, const char* version, bool structured)
+void writeVersion(HeaderWriter& header, const char* version)
 {
     const std::string_view text = version ? version : "";
+    if (header.structured())
+    {
+        if (!option(&PrintOptions::noVersion))
+        {
+            header.text("[ver:");
+            header.text(text);
+            header.text("] ");
+        }
+        return;
+    }
     if (option(&PrintOptions::noVersion))
     {
         // The blank that would have stood behind the module's version.
-        header.text(!structured && !option(&PrintOptions::noModule) ? " " : "");
-        return;
-    }
-    if (structured)
-    {
-        header.text("[ver:");
-        header.text(text);
-        header.text("] ");
+        if (!option(&PrintOptions::noModule))
+        {
+            header.character(' ');
+        }
         return;
     }
     if (!text.empty() && text != "Unknown")
     {
-        header.text(":");
+        header.character(':');
         header.text(text);
     }
-    header.text(" ");
+    header.character(' ');
 }
 
-std::string_view behindLastColon(std::string_view function)
+// Level, module, version and thread.
+void writeOrigin(HeaderWriter& header, int level, const char* module, const char* version)
 {
-    return function.substr(function.rfind(':') + 1);
+    if (!option(&PrintOptions::noLevel))
+    {
+        header.label("L:");
+        header.text(levelEntry(level).word);
+        header.label("|");
+    }
+    if (!option(&PrintOptions::noModule))
+    {
+        header.label("[");
+        header.text(module ? module : "");
+        header.label("] ");
+    }
+    writeVersion(header, version);
+    if (!option(&PrintOptions::noThreadId))
+    {
+        header.label("tid:");
+        header.number(Platform::currentThreadId());
+        header.character(' ');
+    }
 }
 
-LogTime readTime()
+void writePlace(HeaderWriter& header, const char* file, int line, const char* function)
+{
+    if (!option(&PrintOptions::noFile))
+    {
+        header.label("F:");
+        header.text(file ? file : "");
+        header.character(header.structured() ? '|' : ':');
+    }
+    if (!option(&PrintOptions::noLine))
+    {
+        header.label("l:");
+        header.number(line);
+        header.label("|");
+    }
+    if (option(&PrintOptions::showFunction))
+    {
+        const std::string_view name = function ? function : "";
+        header.text(header.structured() ? "f:" : " ");
+        header.text(name.substr(name.rfind(':') + 1));
+        header.label("|");
+    }
+}
+
+void readTime(LogTime& time)
 {
     const Platform::CalendarTime now = Platform::localTime();
-    return {now.year, now.month, now.day, now.dayOfWeek, now.hour, now.minute, now.second, now.milliSecond, {}};
+    time = {now.year, now.month, now.day, now.dayOfWeek, now.hour, now.minute, now.second, now.milliSecond, {}};
 }
 
 }  // namespace
@@ -193,15 +270,13 @@ void setBaseOptions(const PrintOptions& options)
 int formatLine(char (&buffer)[lineBufferSize], int level, const char* module, const char* file, const char* function, int line,
                const char* version, LogTime* time, const char* format, va_list args)
 {
-    const int callersErrno = errno;
     const int header = Ortha_logOptionControl(buffer, lineBufferSize - 1, level, module, file, function, line, version, time);
-    errno = callersErrno;  // the format may show it
-    const int message = std::vsnprintf(buffer + header, static_cast<std::size_t>(lineBufferSize - header), format, args);
+    const int message = formatMessage(buffer + header, static_cast<std::size_t>(lineBufferSize - header), format, args);
     if (message < 0)
     {
         buffer[header] = 0;
     }
-    const int count = header + std::max(message, 0);
+    const int count = header + std::clamp(message, 0, INT_MAX - lineBufferSize);
     lineComplete.store(count >= lineBufferSize || (count >= 1 && buffer[count - 1] == '\n'), std::memory_order_relaxed);
     return count;
 }
@@ -241,11 +316,10 @@ int Ortha_logFilter(int level, const char* module, const char* file, const char*
 int Ortha_logOptionControl(char* buffer, int size, int level, const char* module, const char* file, const char* function, int line,
                            const char* version, LogTime* time)
 {
-    const LogTime now = readTime();
-    if (time)
-    {
-        *time = now;
-    }
+    const ErrnoKeeper keeper;  // a format may show it
+    LogTime local;
+    LogTime& now = time ? *time : local;
+    readTime(now);
     if (!lineComplete.load(std::memory_order_relaxed))
     {
         return 0;
@@ -259,49 +333,13 @@ int Ortha_logOptionControl(char* buffer, int size, int level, const char* module
         return 0;
     }
 
-    const bool structured = option(&PrintOptions::structured);
-    const auto labelled = [&](HeaderWriter& header, const char* before, std::string_view text, const char* after) {
-        header.text(structured ? before : "");
-        header.text(text);
-        header.text(structured ? after : "");
-    };
-
-    HeaderWriter header(buffer, size);
-    header.text(structured ? "[|T: " : "[");
+    HeaderWriter header(buffer, size, option(&PrintOptions::structured));
+    header.character('[');
     writeTime(header, now);
-    if (!option(&PrintOptions::noLevel))
-    {
-        labelled(header, "L:", levelEntry(level).word, "|");
-    }
-    if (!option(&PrintOptions::noModule))
-    {
-        labelled(header, "[", module ? module : "", "] ");
-    }
-    writeVersion(header, version, structured);
-    if (!option(&PrintOptions::noThreadId))
-    {
-        header.text(structured ? "tid:" : "");
-        header.number(Platform::currentThreadId());
-        header.text(" ");
-    }
-    if (!option(&PrintOptions::noFile))
-    {
-        labelled(header, "F:", file ? file : "", "|");
-        header.text(structured ? "" : ":");
-    }
-    if (!option(&PrintOptions::noLine))
-    {
-        header.text(structured ? "l:" : "");
-        header.number(line);
-        header.text(structured ? "|" : "");
-    }
-    if (option(&PrintOptions::showFunction))
-    {
-        header.text(structured ? "f:" : " ");
-        header.text(behindLastColon(function ? function : ""));
-        header.text(structured ? "|" : "");
-    }
-    header.text(structured ? "m:]" : "]");
+    writeOrigin(header, level, module, version);
+    writePlace(header, file, line, function);
+    header.label("m:");
+    header.character(']');
     return header.finish();
 }
 
@@ -324,7 +362,10 @@ void Ortha_resetcolor()
     }
     const ErrnoKeeper keeper;
     std::fflush(stdout);
-    Platform::setConsoleColor(s_savedColor.load(std::memory_order_relaxed));
+    if (const Platform::ConsoleColor saved = s_savedColor.load(std::memory_order_relaxed))
+    {
+        Platform::setConsoleColor(saved);
+    }
     s_colorReset.store(true, std::memory_order_relaxed);
 }
 

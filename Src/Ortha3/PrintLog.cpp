@@ -26,7 +26,8 @@ using Printer = TFunction1<void, const char*>;
 using Hook = TFunction1<bool, const char*>;
 using HookList = std::vector<Hook>;
 
-// Whatever a log call needs is never destroyed: threads may log while the process exits.
+// Whatever a log call needs is never destroyed: threads may log while the process exits. A thread slot is made before the program begins, while the
+// system still has one.
 
 PrintOptions s_options;
 Printer s_printer;
@@ -62,42 +63,26 @@ ThreadPrinters& threadPrinters()
     return printers;
 }
 
+[[maybe_unused]] const ThreadPrinters& s_printersMadeEarly = threadPrinters();
+
 // Tells a call made from within a printer or hook on the same thread.
 class ReentranceGuard
 {
 public:
-    ReentranceGuard()
-    {
-        void* inside = nullptr;
-        if (!slot().getValue(&inside))
-        {
-            return;
-        }
-        m_nested = inside != nullptr;
-        m_owner = !m_nested && slot().setValue(reinterpret_cast<const void*>(std::uintptr_t{1}));
-    }
-    ~ReentranceGuard()
-    {
-        if (m_owner)
-        {
-            slot().setValue(nullptr);
-        }
-    }
+    ReentranceGuard() : m_nested(t_inside) { t_inside = true; }
+    ~ReentranceGuard() { t_inside = m_nested; }
     ReentranceGuard(const ReentranceGuard&) = delete;
     ReentranceGuard& operator=(const ReentranceGuard&) = delete;
 
     [[nodiscard]] bool nested() const { return m_nested; }
 
 private:
-    static CThreadSpecific& slot()
-    {
-        static CThreadSpecific& slot = *new CThreadSpecific;
-        return slot;
-    }
+    static constinit thread_local bool t_inside;
 
-    bool m_nested = false;
-    bool m_owner = false;
+    const bool m_nested;
 };
+
+constinit thread_local bool ReentranceGuard::t_inside = false;
 
 // Callers' code runs in the outlets; what it does to the thread's last error stays inside.
 class LastErrorKeeper
