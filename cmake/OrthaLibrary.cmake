@@ -17,6 +17,8 @@ set_target_properties(ortha_objects PROPERTIES
     POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 target_include_directories(ortha_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_compile_definitions(ortha_objects PRIVATE ORTHA_BUILDING)
+# The library's few thread-local words are read in every lock and log call: with the default model each reading is a call.
+target_compile_options(ortha_objects PRIVATE $<$<NOT:$<CXX_COMPILER_ID:MSVC>>:-ftls-model=initial-exec>)
 target_link_libraries(ortha_objects PUBLIC Threads::Threads)
 
 add_library(ortha $<TARGET_OBJECTS:ortha_objects>)

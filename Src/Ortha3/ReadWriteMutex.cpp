@@ -191,7 +191,10 @@ private:
         {
             return;
         }
-        m_readerEvent.reset();
+        if (m_waitingReaders != 0)
+        {
+            m_readerEvent.reset();
+        }
         if (m_waitingWriters != 0)
         {
             --m_waitingWriters;

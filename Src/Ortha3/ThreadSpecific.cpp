@@ -11,13 +11,15 @@ struct CThreadSpecific::Internal
     const std::uint32_t index = Platform::allocateThreadSlot();
     Detail::atomic_count holders{1};
 
+    [[nodiscard]] bool valid() const { return index != Platform::noThreadSlot; }
+
     void release()
     {
         if (--holders != 0)
         {
             return;
         }
-        if (index != Platform::noThreadSlot)
+        if (valid())
         {
             Platform::freeThreadSlot(index);
         }
@@ -47,17 +49,17 @@ CThreadSpecific::~CThreadSpecific()
 
 bool CThreadSpecific::valid() const
 {
-    return m_internal->index != Platform::noThreadSlot;
+    return m_internal->valid();
 }
 
 bool CThreadSpecific::setValue(const void* value)
 {
-    return valid() && Platform::setThreadSlot(m_internal->index, value);
+    return m_internal->valid() && Platform::setThreadSlot(m_internal->index, value);
 }
 
 bool CThreadSpecific::getValue(void** value) const
 {
-    if (!valid())
+    if (!m_internal->valid())
     {
         return false;
     }

@@ -7,10 +7,10 @@
 namespace General::Ortha::Platform {
 
 /// A re-entrant lock: its owner may enter again, and gives it up with the same number of leaves. Not fair: a thread that comes while a sleeper is being
-/// woken may go first. A thread that must wait spins for about a microsecond, then sleeps.
+/// woken may go first. A thread that must wait sleeps.
 /// What a back end must give: enter is an acquire, leave a release operation; nothing allocates; destruction of a lock that nobody holds or waits for
 /// needs no call, so that a lock may be a static object that other threads still use while the process exits.
-class CriticalSection
+class alignas(64) CriticalSection  // alone in its cache line: contenders do not slow down whoever works beside it
 {
 public:
     constexpr CriticalSection() = default;
@@ -24,11 +24,10 @@ public:
     void leave();
 
 private:
-    void enterContended();
+    void enterContended(std::uint32_t self);
 
-    std::atomic<std::uint32_t> m_word{0};       // 0 free, 1 owned, 2 owned and somebody may sleep: the owner wakes one when it leaves
-    std::uint32_t m_nested = 0;                 // enters of the owner beyond the first; the owner's alone
-    std::atomic<const void*> m_owner{nullptr};  // a thread finds its own mark here only if it put it there
+    std::atomic<std::uint32_t> m_word{0};  // 0 free; else the owner's thread id, and the mark that somebody may sleep
+    std::uint32_t m_nested = 0;            // enters of the owner beyond the first; the owner's alone
 };
 
 }  // namespace General::Ortha::Platform

@@ -1,59 +1,48 @@
 #include "Src/Platform/Lock.h"
 
+#include "Src/Platform/NativeThread.h"
 #include "Src/Platform/posix/Futex.h"
 
 namespace General::Ortha::Platform {
 
 namespace {
 
-constexpr std::uint32_t wordFree = 0;
-constexpr std::uint32_t wordOwned = 1;
-constexpr std::uint32_t wordContended = 2;
-constexpr int spinRounds = 100;
-
-// Its address marks the thread: cheaper than an id, and right in a forked child without further care.
-constinit thread_local char t_mark = 0;
-
-void relax()
-{
-#if defined(__x86_64__) || defined(__i386__)
-    __builtin_ia32_pause();
-#endif
-}
+// Set in the word of a lock for which somebody may sleep: the owner wakes one when it leaves. Thread ids stay below it.
+constexpr std::uint32_t contended = 0x80000000u;
 
 }  // namespace
 
 void CriticalSection::enter()
 {
-    const void* self = &t_mark;
-    if (m_owner.load(std::memory_order_relaxed) == self)
+    // The free lock first: reading the word ahead of the exchange would cost the common case a tenth.
+    const auto self = static_cast<std::uint32_t>(currentThreadId());
+    std::uint32_t word = 0;
+    if (m_word.compare_exchange_strong(word, self, std::memory_order_acquire, std::memory_order_relaxed))
+    {
+        return;
+    }
+    if ((word & ~contended) == self)
     {
         ++m_nested;
         return;
     }
-    std::uint32_t expected = wordFree;
-    if (!m_word.compare_exchange_strong(expected, wordOwned, std::memory_order_acquire, std::memory_order_relaxed))
-    {
-        enterContended();
-    }
-    m_owner.store(self, std::memory_order_relaxed);
+    enterContended(self);
 }
 
 bool CriticalSection::tryEnter()
 {
-    const void* self = &t_mark;
-    if (m_owner.load(std::memory_order_relaxed) == self)
+    const auto self = static_cast<std::uint32_t>(currentThreadId());
+    std::uint32_t word = 0;
+    if (m_word.compare_exchange_strong(word, self, std::memory_order_acquire, std::memory_order_relaxed))
+    {
+        return true;
+    }
+    if ((word & ~contended) == self)
     {
         ++m_nested;
         return true;
     }
-    std::uint32_t expected = wordFree;
-    if (!m_word.compare_exchange_strong(expected, wordOwned, std::memory_order_acquire, std::memory_order_relaxed))
-    {
-        return false;
-    }
-    m_owner.store(self, std::memory_order_relaxed);
-    return true;
+    return false;
 }
 
 void CriticalSection::leave()
@@ -63,30 +52,20 @@ void CriticalSection::leave()
         --m_nested;
         return;
     }
-    m_owner.store(nullptr, std::memory_order_relaxed);
-    if (m_word.exchange(wordFree, std::memory_order_release) == wordContended)
+    if ((m_word.exchange(0, std::memory_order_release) & contended) != 0)
     {
         futexWake(&m_word, 1);
     }
 }
 
-void CriticalSection::enterContended()
+void CriticalSection::enterContended(std::uint32_t self)
 {
-    for (int round = 0; round < spinRounds; ++round)
+    // One exchange marks an owned lock, or takes a free one. Whoever has slept cannot know whether others still do, so the mark stays.
+    while (const std::uint32_t word = m_word.fetch_or(contended, std::memory_order_acquire))
     {
-        std::uint32_t expected = wordFree;
-        if (m_word.load(std::memory_order_relaxed) == wordFree &&
-            m_word.compare_exchange_weak(expected, wordOwned, std::memory_order_acquire, std::memory_order_relaxed))
-        {
-            return;
-        }
-        relax();
+        futexWait(m_word, word | contended);
     }
-    // Whoever has slept cannot know whether others still do, so it takes the lock as contended.
-    while (m_word.exchange(wordContended, std::memory_order_acquire) != wordFree)
-    {
-        futexWait(m_word, wordContended);
-    }
+    m_word.store(self | contended, std::memory_order_relaxed);
 }
 
 }  // namespace General::Ortha::Platform

@@ -7,7 +7,7 @@
 //     }                                       // left here, on every way out
 //
 // Both locks are re-entrant: their owner may enter again, and gives the lock up with the same number of leaves. A
-// CRecursiveMutex keeps its own count, so that a nested enter costs an addition; a CMutex can be tried.
+// CRecursiveMutex keeps its own count, so that a nested enter costs no more than an addition; a CMutex can be tried.
 //
 // Threads: every operation may be called from any thread on one object. Construction and destruction must not race with use.
 // Neither lock is fair: a thread that comes while another one is being woken may go first.

@@ -30,7 +30,7 @@
 
 namespace General::Ortha {
 
-enum RWPriority
+enum RWPriority : int
 {
     priorityDefault = 0,  ///< spin mode
     priorityWriter = 1    ///< writer-first mode
