@@ -18,6 +18,8 @@ ThreadNumber& lastError()
     return code;
 }
 
+[[maybe_unused]] const ThreadNumber& s_madeEarly = lastError();
+
 class CErrorMessageTable
 {
 public:
@@ -30,11 +32,22 @@ public:
     const char* get(int code)
     {
         CGuard guard(m_mutex);
+        return find(code);
+    }
+
+    string copy(int code)
+    {
+        CGuard guard(m_mutex);
+        return find(code);
+    }
+
+private:
+    const char* find(int code) const ORTHA_REQUIRES(m_mutex)
+    {
         const auto found = m_messages.find(code);
         return found == m_messages.end() ? "" : found->second.c_str();
     }
 
-private:
     CMutex m_mutex;
     std::map<int, std::string> m_messages ORTHA_GUARDED_BY(m_mutex);  // entries are never removed: their texts are handed out
 };
@@ -73,7 +86,7 @@ void setErrorMessage(int code, const string& text)
 
 string getErrorMessage(int code)
 {
-    return table().get(code);
+    return table().copy(code);
 }
 
 }  // namespace General::Ortha

@@ -12,6 +12,8 @@ ThreadNumber& reuseTag()
     return tag;
 }
 
+[[maybe_unused]] const ThreadNumber& s_madeEarly = reuseTag();
+
 }  // namespace
 
 void Detail::setCurrentFunctionReuse(unsigned int tag)

@@ -5,8 +5,7 @@
 #include <cstdlib>
 
 #include "ortha/ortha3/Mutex.h"
-
-#include "Src/Ortha3/Log.h"
+#include "ortha/ortha3/PrintLog.h"
 
 namespace General::Ortha {
 
@@ -35,7 +34,7 @@ private:
             s_object.store(object, std::memory_order_release);
             if (std::atexit(&destroy) != 0)
             {
-                ORTHA_LOG(levelInfo, "atexit failed!\n");
+                ::logInfo("atexit failed!\n");
             }
         }
         return object;

@@ -1,6 +1,6 @@
 #include "ortha/ortha3/Thread.h"
 
-#include <cerrno>
+#include <algorithm>
 
 #include "ortha/ortha3/Time.h"
 
@@ -93,87 +93,107 @@ CThread::CThread(const char* name, int priority, int policy, int stackSize)
 CThread::~CThread()
 {
     bool loop;
-    Platform::NativeThread handle;
     {
         CGuard guard(m_internal->m_mutex);
         loop = m_internal->m_loop;
-        handle = m_internal->m_handle;
     }
     if (loop)
     {
         destroyThread();
     }
-    if (m_internal->m_running != 0 && m_internal->m_id == getCurrentThreadID())
+    if (m_internal->isCurrent())
     {
         // The thread itself ends the process, or its own object, from within its body: it would wait for itself.
         m_internal->m_orphaned = true;
         return;
     }
-    for (unsigned long long times = 1; m_internal->m_running != 0 && handle.exitCode() == Platform::NativeThread::stillActive; ++times)
+    m_internal->waitForEnd();
+    delete m_internal;
+}
+
+bool ThreadInternal::isCurrent() const
+{
+    return m_running != 0 && m_id == CThread::getCurrentThreadID();
+}
+
+void ThreadInternal::waitForEnd()
+{
+    Platform::NativeThread handle;
     {
-        sleep(1);
+        CGuard guard(m_mutex);
+        handle = m_handle;
+    }
+    for (unsigned long long times = 1; m_running != 0 && handle.exitCode() == Platform::NativeThread::stillActive; ++times)
+    {
+        CThread::sleep(1);
         if (times % 100 == 0)
         {
-            ORTHA_LOG(levelDebug, "this:%p CThread::~CThread:%s wait for thread over, times:%llu\n", static_cast<void*>(this),
-                      m_internal->m_name.copy().text, times);
+            ORTHA_LOG(levelDebug, "this:%p CThread::~CThread:%s wait for thread over, times:%llu\n", static_cast<void*>(m_owner),
+                      m_name.copy().text, times);
         }
     }
-    delete m_internal;
 }
 
 bool CThread::createThread()
 {
-    ThreadInternal& thread = *m_internal;
-    CGuard guard(thread.m_mutex);
-    const auto refuseRunning = [&] {
+    const int error = m_internal->start();
+    if (error == ThreadInternal::stillRunning)
+    {
         ORTHA_LOG(levelWarn, "this:%p CThread::CreateThread() thread:%s is still running!\n", static_cast<void*>(this),
-                  thread.m_name.copy().text);
-        return false;
-    };
-    if (thread.m_loop)
-    {
-        return refuseRunning();
+                  m_internal->m_name.copy().text);
     }
-    thread.m_handle.close();
-    while (thread.m_running != 0 && !thread.m_loop)
+    else if (error != 0)
     {
-        thread.m_mutex.leave();
-        sleep(1);
-        thread.m_mutex.enter();
+        ORTHA_LOG(levelError, "this:%p create thread failed, errno:%d\n", static_cast<void*>(this), error);
     }
-    if (thread.m_loop)
+    return error == 0;
+}
+
+int ThreadInternal::start()
+{
+    CGuard guard(m_mutex);
+    if (m_loop)
     {
-        return refuseRunning();
+        return stillRunning;
+    }
+    m_handle.close();
+    while (m_running != 0 && !m_loop)
+    {
+        m_mutex.leave();
+        CThread::sleep(1);
+        m_mutex.enter();
+    }
+    if (m_loop)
+    {
+        return stillRunning;
     }
 
-    thread.m_loop = true;
-    thread.m_id = -1;
-    thread.m_destroying = false;
-    thread.m_deadline = 0;
-    int error =
-        thread.m_handle.start(static_cast<std::size_t>(thread.m_stackSize > 0 ? thread.m_stackSize : 0), &ThreadInternal::body, &thread);
+    m_loop = true;
+    m_id = -1;
+    m_destroying = false;
+    m_deadline = 0;
+    int error = m_handle.start(static_cast<std::size_t>(std::max(m_stackSize, 0)), &ThreadInternal::body, this);
     if (error == 0)
     {
-        error = thread.m_handle.setPriority(thread.platformPriority());
+        error = m_handle.setPriority(platformPriority());
     }
     if (error != 0)
     {
         // A thread that has started but did not get its priority runs its body, which sees looping() false.
-        thread.m_loop = false;
-        ORTHA_LOG(levelError, "this:%p create thread failed, errno:%d\n", static_cast<void*>(this), error);
-        return false;
+        m_loop = false;
+        return error;
     }
-    thread.m_running = thread.m_loop ? 1 : 0;
-    return true;
+    m_running = m_loop ? 1 : 0;
+    return 0;
 }
 
 bool CThread::destroyThread()
 {
     ThreadInternal& thread = *m_internal;
+    const char* refusal = nullptr;
     Platform::NativeThread handle;
     {
         CGuard guard(thread.m_mutex);
-        const char* refusal = nullptr;
         if (thread.m_destroying)
         {
             refusal = "has been destroyed!";
@@ -182,20 +202,23 @@ bool CThread::destroyThread()
         {
             refusal = "has exited!";
         }
-        if (refusal)
+        else
         {
-            ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread:%s %s\n", static_cast<void*>(this), thread.m_name.copy().text,
-                      refusal);
-            return false;
+            thread.m_loop = false;
+            thread.m_destroying = true;
+            handle = thread.m_handle;
         }
-        thread.m_loop = false;
-        thread.m_destroying = true;
-        if (!thread.m_handle.valid())
-        {
-            ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread handle has been invalid!\n", static_cast<void*>(this));
-            return false;
-        }
-        handle = thread.m_handle;
+    }
+    if (refusal)
+    {
+        ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread:%s %s\n", static_cast<void*>(this), thread.m_name.copy().text,
+                  refusal);
+        return false;
+    }
+    if (!handle.valid())
+    {
+        ORTHA_LOG(levelWarn, "this:%p CThread::DestroyThread() thread handle has been invalid!\n", static_cast<void*>(this));
+        return false;
     }
     if (thread.m_id == getCurrentThreadID())
     {
@@ -210,15 +233,17 @@ bool CThread::destroyThread()
 
 bool CThread::cancelThread()
 {
-    CGuard guard(m_internal->m_mutex);
-    if (!m_internal->m_loop)
+    bool looped;
+    {
+        CGuard guard(m_internal->m_mutex);
+        looped = m_internal->m_loop.exchange(false);
+    }
+    if (!looped)
     {
         ORTHA_LOG(levelWarn, "this:%p CThread::cancelThread() thread:%s not exist!\n", static_cast<void*>(this),
                   m_internal->m_name.copy().text);
-        return false;
     }
-    m_internal->m_loop = false;
-    return true;
+    return looped;
 }
 
 bool CThread::terminateThread()
@@ -315,6 +340,14 @@ void CThread::sleep(int ms)
     Platform::sleepMilliseconds(static_cast<std::uint32_t>(ms > 0 ? ms : 0));
 }
 
+void CThread::load(int percent)
+{
+    if (percent < 1 || percent > 100)
+    {
+        ORTHA_LOG(levelError, "thread load percent:%d is invalid!\n", percent);
+    }
+}
+
 CThreadLite::CThreadLite(TFunction1<void, CThreadLite&> proc, const char* name, int priority, int policy, int stackSize)
     : CThread(name, priority, policy, stackSize), m_proc(new TFunction1<void, CThreadLite&>(proc))
 {
@@ -325,6 +358,11 @@ CThreadLite::~CThreadLite()
     if (!isThreadOver())
     {
         destroyThread();
+    }
+    ThreadInternal& thread = ThreadInternal::of(*this);
+    if (!thread.isCurrent())
+    {
+        thread.waitForEnd();  // somebody else may have stopped it, without a wait
     }
     delete m_proc;
 }

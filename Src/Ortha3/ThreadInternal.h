@@ -20,6 +20,15 @@ struct ThreadInternal
     /// The record of a thread object.
     static ThreadInternal& of(CThread& thread) { return *thread.m_internal; }
 
+    /// Starts the thread. 0, `stillRunning`, or the system's error code.
+    int start();
+    static constexpr int stillRunning = -1;
+
+    /// Waits until the body has ended. Somebody has told it to.
+    void waitForEnd();
+    /// This thread is the calling one.
+    [[nodiscard]] bool isCurrent() const;
+
     /// What a new thread runs; `record` is its ThreadInternal.
     static void body(void* record);
 

@@ -14,18 +14,16 @@ namespace General::Ortha {
 namespace {
 
 constexpr const char* idleName = "[Pooled]";
+constexpr unsigned long long notMeasured = ~0ull;
 
-}
+}  // namespace
 
 CTimerThread::CTimerThread(TimerManagerInternal* manager) : CThread(idleName, 64, 0, 0), m_manager(manager) {}
 
 CTimerThread::~CTimerThread()
 {
     // Quieter than destroyThread, which warns of a thread that has just ended by itself.
-    while (!isThreadOver())
-    {
-        sleep(1);
-    }
+    ThreadInternal::of(*this).waitForEnd();
 }
 
 void CTimerThread::run(TimerInternal& timer)
@@ -36,7 +34,6 @@ void CTimerThread::run(TimerInternal& timer)
     m_procUlong = timer.m_procUlong;
     m_procPtr = timer.m_procPtr;
     m_param = timer.m_param;
-    m_measure = timer.m_statEnabled;
     m_timer = &timer;
     m_semaphore.post();
 }
@@ -58,7 +55,7 @@ void CTimerThread::threadProc()
             break;
         }
         Platform::setSystemThreadName(getThreadID(), getThreadName());
-        const unsigned long long begin = m_measure ? CTime::getCurrentMicroSecond() : 0;
+        const unsigned long long begin = isMeasured() ? CTime::getCurrentMicroSecond() : notMeasured;
         if (!m_procUlong.empty())
         {
             m_procUlong(static_cast<std::uint32_t>(m_param));
@@ -76,6 +73,12 @@ void CTimerThread::threadProc()
     }
 }
 
+bool CTimerThread::isMeasured()
+{
+    CRecursiveGuard guard(TimerState::get().mutex);
+    return m_timer && m_timer->m_statEnabled;
+}
+
 bool CTimerThread::finish(unsigned long long begin)
 {
     CTimerThread* surplus = nullptr;
@@ -83,7 +86,7 @@ bool CTimerThread::finish(unsigned long long begin)
         CRecursiveGuard guard(TimerState::get().mutex);
         if (m_timer)
         {
-            if (m_measure && m_timer->m_statEnabled)
+            if (begin != notMeasured && m_timer->m_statEnabled)
             {
                 m_timer->m_usedTime += CTime::getCurrentMicroSecond() - begin;
             }

@@ -33,6 +33,8 @@ public:
 
 private:
     void threadProc() override;
+    /// The timer being served wants its run time measured.
+    bool isMeasured();
     /// Gives the job back; false if the thread is to end.
     bool finish(unsigned long long begin);
 
@@ -40,7 +42,6 @@ private:
     TFunction1<void, unsigned long> m_procUlong;
     TFunction1<void, void*> m_procPtr;
     std::uint64_t m_param = 0;
-    bool m_measure = false;
     bool m_exit = false;
     CSemaphore m_semaphore;  // posted once a job, and once to end
 };

@@ -93,6 +93,8 @@ public:
     static bool setCurrentTimeout(int ms);
     /// Sleeps `ms` milliseconds; 0 gives the processor to another thread. A negative value counts as 0.
     static void sleep(int ms);
+    /// Checks a load percentage, 1 to 100; any other value leaves a log line. Nothing is throttled.
+    static void load(int percent);
 
 private:
     virtual void threadProc() = 0;
