@@ -65,10 +65,15 @@ unsigned long allocationCount()
 
 }  // namespace General::Ortha::Test
 
-void* operator new(std::size_t size)
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     ++General::Ortha::Test::s_allocations;
-    void* const memory = std::malloc(size);
+    return std::malloc(size);
+}
+
+void* operator new(std::size_t size)
+{
+    void* const memory = operator new(size, std::nothrow);
     return memory ? memory : throw std::bad_alloc();
 }
 
