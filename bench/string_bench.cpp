@@ -1,45 +1,13 @@
 // The library's strings beside std::string. Rows are named string/operation/length/who.
 #include <benchmark/benchmark.h>
 
-#include <condition_variable>
-#include <mutex>
 #include <string>
-#include <thread>
 
 #include "ortha/ortha3/FlexString.h"
 
+#include "support.h"
+
 namespace {
-
-// A second thread that sleeps through the run: in a process of one thread the allocator and the atomic operations are cheaper
-// than any program that uses this library will see them.
-class SleepingThread
-{
-public:
-    SleepingThread() : m_thread([this] { sleep(); }) {}
-    ~SleepingThread()
-    {
-        {
-            const std::lock_guard<std::mutex> guard(m_mutex);
-            m_done = true;
-        }
-        m_wake.notify_one();
-        m_thread.join();
-    }
-    SleepingThread(const SleepingThread&) = delete;
-    SleepingThread& operator=(const SleepingThread&) = delete;
-
-private:
-    void sleep()
-    {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_wake.wait(lock, [this] { return m_done; });
-    }
-
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    bool m_done = false;
-    std::thread m_thread;
-};
 
 template <typename String>
 void construct(benchmark::State& state, std::size_t length)
@@ -144,7 +112,7 @@ void compareAllOperations(const char* who)
 int main(int argc, char** argv)
 {
     benchmark::Initialize(&argc, argv);
-    const SleepingThread sleeping;
+    const Bench::SleepingThread sleeping;
     compareAllOperations<General::Ortha::string>("ortha");
     compareAllOperations<std::string>("std");
     benchmark::RunSpecifiedBenchmarks();
