@@ -56,6 +56,7 @@ public:
     /// timer was not started, or its call could not be handed out because the last one was still running.
     bool stop(bool callNow);
     /// Stops the timer and waits, without limit, until no call is running. Inside the timer's own callback it does not wait. Always true.
+    /// The first wait and each 500th leave a log line while all timers stand still: a printer or hook must not wait for a timer.
     bool stopAndWait();
 
     /// Changes the period; the pending due time moves by the difference. 0 makes a one-shot timer.
