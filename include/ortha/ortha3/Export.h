@@ -32,6 +32,7 @@
 #define ORTHA_CAPABILITY(name) ORTHA_THREAD_ANNOTATION(capability(name))
 #define ORTHA_SCOPED_CAPABILITY ORTHA_THREAD_ANNOTATION(scoped_lockable)
 #define ORTHA_GUARDED_BY(lock) ORTHA_THREAD_ANNOTATION(guarded_by(lock))
+#define ORTHA_PT_GUARDED_BY(lock) ORTHA_THREAD_ANNOTATION(pt_guarded_by(lock))
 #define ORTHA_REQUIRES(...) ORTHA_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
 #define ORTHA_ACQUIRE(...) ORTHA_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
 #define ORTHA_RELEASE(...) ORTHA_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
