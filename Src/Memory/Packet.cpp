@@ -225,15 +225,7 @@ OldPacketInternal* OldPacketInternal::createAlone(Type type, void* buffer, std::
     return packet;
 }
 
-void OldPacketInternal::release()
-{
-    if (--m_refCount == 0)
-    {
-        destroy();
-    }
-}
-
-void OldPacketInternal::destroy()
+void OldPacketInternal::destroy() noexcept
 {
     // What is still needed when the record is gone.
     void* const extraData = m_extraData;
@@ -329,80 +321,6 @@ CPacket::CPacket(const CPacket& packet, std::size_t offset, std::size_t size, st
 CPacket::CPacket(unsigned int capacity, FreeFunction freeFunction, void* arg, std::size_t extra)
     : m_internal(OldPacketInternal::create(capacity, freeFunction, arg, extra))
 {
-}
-
-CPacket::CPacket(const CPacket& packet) : m_internal(packet.m_internal)
-{
-    if (m_internal)
-    {
-        m_internal->addRef();
-    }
-}
-
-CPacket& CPacket::operator=(const CPacket& packet)
-{
-    if (m_internal != packet.m_internal)
-    {
-        *this = CPacket(packet);
-    }
-    return *this;
-}
-
-CPacket& CPacket::operator=(CPacket&& packet) noexcept
-{
-    if (PacketInternal* const old = std::exchange(m_internal, std::exchange(packet.m_internal, nullptr)))
-    {
-        old->release();
-    }
-    return *this;
-}
-
-CPacket::~CPacket()
-{
-    reset();
-}
-
-void CPacket::reset()
-{
-    if (PacketInternal* const old = std::exchange(m_internal, nullptr))
-    {
-        old->release();
-    }
-}
-
-std::size_t CPacket::putBuffer(void* data, std::size_t size)
-{
-    return m_internal ? m_internal->putBuffer(data, size) : 0;
-}
-
-unsigned char* CPacket::getBuffer() const
-{
-    return m_internal ? m_internal->getBuffer() : nullptr;
-}
-
-std::size_t CPacket::size() const
-{
-    return m_internal ? m_internal->size() : 0;
-}
-
-bool CPacket::resize(std::size_t size)
-{
-    return m_internal && m_internal->resize(size);
-}
-
-std::size_t CPacket::capacity() const
-{
-    return m_internal ? m_internal->capacity() : 0;
-}
-
-void* CPacket::getExtraData() const
-{
-    return m_internal ? m_internal->getExtraData() : nullptr;
-}
-
-std::size_t CPacket::getExtraSize() const
-{
-    return m_internal ? m_internal->getExtraSize() : 0;
 }
 
 }  // namespace General::Memory

@@ -1,36 +1,15 @@
-// What a packet's handle points at.
+// The one kind of block that packets have, in five forms.
 #pragma once
 
 #include <cstdint>
 
-#include "ortha/ortha3/AtomicCount.h"
 #include "ortha/ortha3/Packet.h"
 
 namespace General::Memory {
 
 class PacketManagerInternal;
 
-/// A block of bytes with its count of references. Counting is for any thread, the rest for one thread at a time.
-class PacketInternal
-{
-public:
-    /// Ends the object; called when the last reference is gone.
-    virtual void destroy() = 0;
-    virtual void addRef() = 0;
-    virtual void release() = 0;
-    virtual std::size_t putBuffer(void* data, std::size_t size) = 0;
-    virtual unsigned char* getBuffer() const = 0;
-    virtual std::size_t size() const = 0;
-    virtual bool resize(std::size_t size) = 0;
-    virtual std::size_t capacity() const = 0;
-    virtual void* getExtraData() const = 0;
-    virtual std::size_t getExtraSize() const = 0;
-
-protected:
-    ~PacketInternal() = default;
-};
-
-/// The one implementation. Where the packet's memory is the library's, the record lies in it: one block holds, from its first byte, data (unless that is apart),
+/// Where the packet's memory is the library's, the record lies in it: one block holds, from its first byte, data (unless that is apart),
 /// extra region, a gap and the record, which ends where the block does.
 class OldPacketInternal final : public PacketInternal
 {
@@ -44,9 +23,6 @@ public:
     static PacketInternal* create(const CPacket& parent, std::size_t offset, std::size_t size, std::size_t extra);
     static PacketInternal* create(unsigned int capacity, const FreeFunction& freeFunction, void* arg, std::size_t extra);
 
-    void destroy() override;
-    void addRef() override { ++m_refCount; }
-    void release() override;
     std::size_t putBuffer(void* data, std::size_t size) override;
     unsigned char* getBuffer() const override { return m_buffer; }
     std::size_t size() const override { return m_size; }
@@ -66,12 +42,12 @@ private:
 
     OldPacketInternal(Type type, unsigned char* buffer, std::size_t size, std::size_t capacity, void* extraData, std::size_t extraSize);
     ~OldPacketInternal() = default;
+    void destroy() noexcept override;
 
     static OldPacketInternal* createJoined(PacketManagerInternal& manager, std::size_t size, std::size_t extra);
     static OldPacketInternal* createSplit(PacketManagerInternal& manager, std::size_t size, std::size_t extra);
     static OldPacketInternal* createAlone(Type type, void* buffer, std::size_t size, std::size_t extra, const FreeFunction& freeFunction);
 
-    Ortha::Detail::atomic_count m_refCount{1};
     const Type m_type;
     unsigned char* m_buffer;
     std::size_t m_size;

@@ -28,10 +28,9 @@
 
 #include "ortha/ortha3/Export.h"
 #include "ortha/ortha3/Function.h"
+#include "ortha/ortha3/detail/packet_internal.h"
 
 namespace General::Memory {
-
-class PacketInternal;
 
 class ORTHA_API CPacket
 {
@@ -62,37 +61,62 @@ public:
     CPacket(unsigned int capacity, FreeFunction freeFunction, void* arg, std::size_t extra);
 
     /// Shares the block.
-    CPacket(const CPacket& packet);
+    CPacket(const CPacket& packet) noexcept : m_internal(packet.m_internal)
+    {
+        if (m_internal)
+        {
+            m_internal->addRef();
+        }
+    }
     /// Takes the reference over; `packet` is invalid afterwards.
     CPacket(CPacket&& packet) noexcept : m_internal(std::exchange(packet.m_internal, nullptr)) {}
     /// Shares the block and releases the old one. Between handles on one block nothing happens.
-    CPacket& operator=(const CPacket& packet);
-    CPacket& operator=(CPacket&& packet) noexcept;
+    CPacket& operator=(const CPacket& packet) noexcept
+    {
+        if (m_internal != packet.m_internal)
+        {
+            *this = CPacket(packet);
+        }
+        return *this;
+    }
+    CPacket& operator=(CPacket&& packet) noexcept
+    {
+        release(std::exchange(m_internal, std::exchange(packet.m_internal, nullptr)));
+        return *this;
+    }
     /// Releases the block.
-    virtual ~CPacket();
+    virtual ~CPacket() { release(m_internal); }
 
     /// Releases the block and makes this handle invalid.
-    void reset();
+    void reset() noexcept { release(std::exchange(m_internal, nullptr)); }
     [[nodiscard]] bool valid() const noexcept { return m_internal != nullptr; }
 
     /// Late buffer: takes the `size` bytes at `data` as its data, without a copy, in place of those it had; they stay the caller's. Gives `size`.
     /// Other forms: appends a copy of as many of the bytes as there is room for between size() and capacity(), and gives their number. A packet begins
     /// with its size as asked for, so resize(0) comes first where the data is to be built up.
-    std::size_t putBuffer(void* data, std::size_t size);
+    std::size_t putBuffer(void* data, std::size_t size) { return m_internal ? m_internal->putBuffer(data, size) : 0; }
     /// The data; null if there is none, or none yet.
-    [[nodiscard]] unsigned char* getBuffer() const;
+    [[nodiscard]] unsigned char* getBuffer() const { return m_internal ? m_internal->getBuffer() : nullptr; }
     /// Bytes in use.
-    [[nodiscard]] std::size_t size() const;
+    [[nodiscard]] std::size_t size() const { return m_internal ? m_internal->size() : 0; }
     /// Sets the bytes in use; no byte moves or is cleared. False, and nothing changes, above capacity().
-    bool resize(std::size_t size);
+    bool resize(std::size_t size) { return m_internal && m_internal->resize(size); }
     /// The most that size() can become.
-    [[nodiscard]] std::size_t capacity() const;
+    [[nodiscard]] std::size_t capacity() const { return m_internal ? m_internal->capacity() : 0; }
     /// The extra region; null if none was asked for.
-    [[nodiscard]] void* getExtraData() const;
+    [[nodiscard]] void* getExtraData() const { return m_internal ? m_internal->getExtraData() : nullptr; }
     /// Bytes in the extra region, as asked for.
-    [[nodiscard]] std::size_t getExtraSize() const;
+    [[nodiscard]] std::size_t getExtraSize() const { return m_internal ? m_internal->getExtraSize() : 0; }
 
 private:
+    static void release(PacketInternal* internal) noexcept
+    {
+        if (internal)
+        {
+            internal->release();
+        }
+    }
+
     PacketInternal* m_internal;
 };
 
