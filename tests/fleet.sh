@@ -5,8 +5,15 @@ set -euo pipefail
 fleet="$1"
 [[ -x "$fleet" ]] || { echo "no program: $fleet" >&2; exit 1; }
 folder="$(mktemp -d)"
-trap 'rm -rf "$folder"' EXIT
+server=
 failures=0
+
+cleanup()
+{
+    [[ -z "$server" ]] || kill "$server" || true
+    rm -rf "$folder"
+}
+trap cleanup EXIT
 
 failed()
 {
@@ -32,6 +39,30 @@ refuses_list()
     shift
     printf '%s\n' "$@" > "$folder/list.csv"
     refuses "$text" --devices "$folder/list.csv"
+}
+
+# serve FRAME...: a device at $port that answers each connection's request with the next of these frames, in the notation of printf, and closes it.
+serve()
+{
+    perl -MIO::Socket::INET - "$@" > "$folder/port" << 'END' &
+my @frames = map { eval "qq($_)" } @ARGV;
+my $listener = IO::Socket::INET->new(Listen => 1, LocalAddr => '127.0.0.1') or die "no port: $@";
+local $SIG{PIPE} = 'IGNORE';
+STDOUT->autoflush;
+print $listener->sockport, "\n";
+for (my $i = 0; my $connection = $listener->accept; ++$i)
+{
+    <$connection>;
+    print $connection $frames[$i % @frames];
+    close $connection;
+}
+END
+    server=$!
+    for ((i = 0; i < 200; ++i)); do
+        read -r port < "$folder/port" && return
+        sleep 0.05
+    done
+    failed "no device to give wrong answers"
 }
 
 # shows PATTERN: the last run wrote a line that matches.
@@ -71,6 +102,24 @@ shows '\] drops +connected again'
 shows '\] +slow +[0-9]+ +64 +Timeout$'
 shows '\] +second +[0-9]+ +[0-9]+ +200 '
 shows 'Closing report:'
+shows '\] size +1048576$'
+shows '\] free +1048576$'
+shows '\] most in use +[1-9][0-9]*$'
+shows 'the packet pool is full again'
+
+# Wrong answers: each is told, ends its connection, and leaves nothing behind in the pool.
+serve '\0\2' '\377\377' '\0\4\0001 C' '\0\4\0031 C' '\0\5\3oneC' '\0\5\3nanC' '\0\5\0031. C' '\0\3\0011\a' '\0\5\0031' '\0\5\0031.5V'
+echo "wrong, 127.0.0.1, $port, 50" > "$folder/list.csv"
+timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 3 > "$folder/out" 2>&1 || failed "wrong answers: exit code $?"
+shows 'warn .*\] wrong +a frame of 4 bytes$'
+shows 'warn .*\] wrong +a frame of 65537 bytes$'
+shows 'warn .*\] wrong +a frame whose value has 0 of 3 bytes$'
+shows 'warn .*\] wrong +a frame whose value has 3 of 3 bytes$'
+shows 'warn .*\] wrong +a frame whose value is no number$'
+shows 'warn .*\] wrong +a frame whose unit is not printable$'
+shows 'warn .*\] wrong +no answer: the device closed the connection$'
+shows 'info .*\] wrong +1\.50 V '
+shows 'the packet pool is full again'
 
 printf 'first, 127.0.0.1, 0, 200\n' > "$folder/list.csv"
 for signal in INT TERM; do

@@ -13,6 +13,7 @@
 #include <asio/io_context.hpp>
 #include <asio/ip/address.hpp>
 #include <asio/ip/tcp.hpp>
+#include <asio/read.hpp>
 #include <asio/read_until.hpp>
 #include <asio/signal_set.hpp>
 #include <asio/steady_timer.hpp>

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Frame.h"
+
 using General::Ortha::CReadGuard;
 using General::Ortha::CWriteGuard;
 
@@ -19,11 +21,12 @@ void Collector::onReading(std::size_t device, const Reading& reading)
         ++statistics.errors;
         return;
     }
+    const double value = number(reading.value);
     const bool first = statistics.readings++ == 0;
-    statistics.last = reading.value;
-    statistics.min = first ? reading.value : std::min(statistics.min, reading.value);
-    statistics.max = first ? reading.value : std::max(statistics.max, reading.value);
-    statistics.sum += reading.value;
+    statistics.last = value;
+    statistics.min = first ? value : std::min(statistics.min, value);
+    statistics.max = first ? value : std::max(statistics.max, value);
+    statistics.sum += value;
     statistics.latencySum += reading.latency;
     statistics.latencyMax = std::max(statistics.latencyMax, reading.latency);
 }

@@ -6,19 +6,9 @@ namespace Fleet {
 
 namespace {
 
-constexpr std::size_t maxAnswer = 256;
-
 std::string describe(const asio::error_code& error)
 {
-    if (error == asio::error::eof)
-    {
-        return "the device closed the connection";
-    }
-    if (error == asio::error::not_found)
-    {
-        return "a line of more than " + std::to_string(maxAnswer) + " characters";
-    }
-    return error.message();
+    return error == asio::error::eof ? "the device closed the connection" : error.message();
 }
 
 }  // namespace
@@ -51,14 +41,14 @@ void Connection::open(Limit limit)
     finish(limit, "not connected", [this](auto done) { m_socket.async_connect(m_device, done); });
 }
 
-std::string Connection::ask(const std::string& request, Limit limit)
+void Connection::send(const std::string& bytes, Limit limit)
 {
-    const std::string line = request + "\n";
-    finish(limit, "request not sent", [&](auto done) { asio::async_write(m_socket, asio::buffer(line), done); });
-    std::string answer;
-    finish(limit, "no answer", [&](auto done) { asio::async_read_until(m_socket, asio::dynamic_buffer(answer, maxAnswer), '\n', done); });
-    answer.erase(answer.find('\n'));
-    return answer;
+    finish(limit, "request not sent", [&](auto done) { asio::async_write(m_socket, asio::buffer(bytes), done); });
+}
+
+void Connection::receive(unsigned char* buffer, std::size_t size, Limit limit)
+{
+    finish(limit, "no answer", [&](auto done) { asio::async_read(m_socket, asio::buffer(buffer, size), done); });
 }
 
 void Connection::close()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <string>
 
 #include "Asio.h"
@@ -18,8 +19,9 @@ public:
 
     [[nodiscard]] bool isOpen() const { return m_socket.is_open(); }
     void open(Limit limit);
-    /// Sends a line and waits for the line that answers it; both without their newline. Each way has the whole limit.
-    std::string ask(const std::string& request, Limit limit);
+    void send(const std::string& bytes, Limit limit);
+    /// Waits for exactly `size` bytes, and puts them at `buffer`.
+    void receive(unsigned char* buffer, std::size_t size, Limit limit);
     void close();
 
 private:

@@ -73,9 +73,9 @@ double number(const CPacket& part)
 {
     const std::string_view digits = text(part);
     const char* const end = digits.data() + digits.size();
-    double number = 0;
-    const auto [stop, error] = std::from_chars(digits.data(), end, number);
-    return error == std::errc() && stop == end && std::isfinite(number) ? number : std::numeric_limits<double>::quiet_NaN();
+    double value = 0;
+    const auto [stop, error] = std::from_chars(digits.data(), end, value);
+    return error == std::errc() && stop == end && std::isfinite(value) ? value : std::numeric_limits<double>::quiet_NaN();
 }
 
 }  // namespace Fleet

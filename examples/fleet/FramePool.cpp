@@ -25,8 +25,8 @@ CPacket FramePool::take()
     {
         throw std::runtime_error("no room for a frame in the packet pool");
     }
-    // Others may take and return packets meanwhile. Whoever looks last before a return has seen all that were out, so no peak is missed by all.
-    const std::size_t used = size() - free();
+    // A packet that another thread returns at this very moment goes uncounted: near enough for a figure to size a pool by.
+    const std::size_t used = size() - freeSize();
     std::size_t highWater = m_highWater;
     while (highWater < used && !m_highWater.compare_exchange_weak(highWater, used))
     {
@@ -39,7 +39,7 @@ std::size_t FramePool::size() const
     return CPacketManager::instance()->getBufferSize();
 }
 
-std::size_t FramePool::free() const
+std::size_t FramePool::freeSize() const
 {
     return CPacketManager::instance()->getFreeSize();
 }

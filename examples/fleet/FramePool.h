@@ -20,7 +20,7 @@ public:
 
     /// All in bytes. What a frame takes is a whole chunk of the pool.
     [[nodiscard]] std::size_t size() const;
-    [[nodiscard]] std::size_t free() const;
+    [[nodiscard]] std::size_t freeSize() const;
     /// The most that was in use at once.
     [[nodiscard]] std::size_t highWater() const { return m_highWater; }
 

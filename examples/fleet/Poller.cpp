@@ -3,12 +3,11 @@
 #include <ortha/ortha3/Function.h>
 #include <ortha/ortha3/Time.h>
 
-#include <algorithm>
-#include <cctype>
-#include <cmath>
-#include <cstdlib>
-#include <stdexcept>
+#include <exception>
 
+#include "Frame.h"
+
+using General::Memory::CPacket;
 using General::Ortha::CTime;
 using General::Ortha::TFunction1;
 
@@ -20,24 +19,10 @@ constexpr unsigned int watchdogTime = 100;  // milliseconds; a poll that takes l
 constexpr Connection::Limit connectLimit{1000};
 constexpr Connection::Limit answerLimit{2000};
 
-// An answer is a number, a blank and a unit of printable characters.
-void parseAnswer(const std::string& answer, Reading& reading)
-{
-    char* end = nullptr;
-    reading.value = std::strtod(answer.c_str(), &end);
-    const bool number = end != answer.c_str() && *end == ' ' && std::isfinite(reading.value);
-    reading.unit = number ? end + 1 : "";
-    if (reading.unit.empty() ||
-        !std::all_of(reading.unit.begin(), reading.unit.end(), [](unsigned char c) { return std::isgraph(c) != 0; }))
-    {
-        throw std::runtime_error("the answer is no reading");
-    }
-}
-
 }  // namespace
 
-Poller::Poller(std::size_t number, const Device& device, ReadingSignal& signal)
-    : m_number(number), m_period(device.period), m_signal(signal), m_connection(device.endpoint), m_timer(device.id.c_str())
+Poller::Poller(std::size_t number, const Device& device, FramePool& pool, ReadingSignal& signal)
+    : m_number(number), m_period(device.period), m_pool(pool), m_signal(signal), m_connection(device.endpoint), m_timer(device.id.c_str())
 {
 }
 
@@ -70,7 +55,7 @@ Reading Poller::poll()
             reading.reconnected = m_wasConnected;
             m_wasConnected = true;
         }
-        parseAnswer(m_connection.ask("READ", answerLimit), reading);
+        ask(reading);
         reading.ok = true;
     }
     catch (const std::exception& failure)  // nothing may leave a timer's callback
@@ -80,6 +65,17 @@ Reading Poller::poll()
     }
     reading.latency = CTime::getCurrentMicroSecond() - begin;
     return reading;
+}
+
+void Poller::ask(Reading& reading)
+{
+    CPacket frame = m_pool.take();  // before the request: an answer without room for it would be of no use
+    unsigned char* const buffer = frame.getBuffer();
+    m_connection.send("READ\n", answerLimit);
+    m_connection.receive(buffer, frameLengthSize, answerLimit);
+    frame.resize(frameSize(buffer));
+    m_connection.receive(buffer + frameLengthSize, frame.size() - frameLengthSize, answerLimit);
+    takeApart(frame, reading.value, reading.unit);
 }
 
 }  // namespace Fleet

@@ -7,6 +7,7 @@
 
 #include "Connection.h"
 #include "DeviceList.h"
+#include "FramePool.h"
 #include "Reading.h"
 
 namespace Fleet {
@@ -14,8 +15,8 @@ namespace Fleet {
 class Poller
 {
 public:
-    /// `number` is the device's place in the list. The signal must outlive the poller.
-    Poller(std::size_t number, const Device& device, ReadingSignal& signal);
+    /// `number` is the device's place in the list. The pool and the signal must outlive the poller.
+    Poller(std::size_t number, const Device& device, FramePool& pool, ReadingSignal& signal);
 
     /// Begins after `delay` milliseconds. False if the timer could not be started.
     bool start(unsigned int delay);
@@ -25,9 +26,11 @@ public:
 private:
     void onTimer(unsigned long);
     Reading poll();
+    void ask(Reading& reading);
 
     const std::size_t m_number;
     const unsigned int m_period;
+    FramePool& m_pool;
     ReadingSignal& m_signal;
     Connection m_connection;
     bool m_wasConnected = false;

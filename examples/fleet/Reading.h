@@ -1,6 +1,7 @@
 // What one poll of a device brought, and the signal that hands it on.
 #pragma once
 
+#include <ortha/ortha3/Packet.h>
 #include <ortha/ortha3/SignalTemplate.h>
 
 #include <cstddef>
@@ -11,8 +12,8 @@ namespace Fleet {
 struct Reading
 {
     bool ok = false;
-    double value = 0;
-    std::string unit;
+    General::Memory::CPacket value;  ///< number() in Frame.h reads it; a part of the frame it came in, as the unit is
+    General::Memory::CPacket unit;   ///< text() reads it
     std::string error;               ///< why there is no value; empty if there is one
     unsigned long long latency = 0;  ///< microseconds from the request, or the connecting before it, to the answer
     bool reconnected = false;        ///< the poll had to connect anew

@@ -7,6 +7,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string_view>
+
+#include "Frame.h"
 
 using General::Ortha::CGuard;
 using General::Ortha::CThreadManager;
@@ -55,7 +58,8 @@ void Reporter::onReading(std::size_t device, const Reading& reading)
     }
     if (reading.ok)
     {
-        logInfo(" %-*s %9.2f %-4s %9.1f ms\n", m_idWidth, id, reading.value, reading.unit.c_str(),
+        const std::string_view unit = text(reading.unit);
+        logInfo(" %-*s %9.2f %-4.*s %9.1f ms\n", m_idWidth, id, number(reading.value), static_cast<int>(unit.size()), unit.data(),
                 milliseconds(static_cast<double>(reading.latency)));
     }
     else
@@ -90,6 +94,15 @@ void Reporter::logStatistics(const char* title)
         total.reconnects += device.reconnects;
     }
     logInfo(" %-*s %8llu %6llu %10llu\n\n", m_idWidth, "together", total.readings, total.errors, total.reconnects);
+}
+
+void Reporter::logPool(const FramePool& pool)
+{
+    CGuard guard(m_output);
+    logInfo("Packet pool, in bytes:\n");
+    logInfo(" %-*s %8zu\n", m_idWidth, "size", pool.size());
+    logInfo(" %-*s %8zu\n", m_idWidth, "free", pool.freeSize());
+    logInfo(" %-*s %8zu\n\n", m_idWidth, "most in use", pool.highWater());
 }
 
 void Reporter::threadProc()

@@ -9,6 +9,7 @@
 
 #include "Collector.h"
 #include "DeviceList.h"
+#include "FramePool.h"
 #include "Reading.h"
 
 namespace Fleet {
@@ -25,6 +26,8 @@ public:
     void onReading(std::size_t device, const Reading& reading);
     /// Logs the statistics of all devices and their totals. Any thread.
     void logStatistics(const char* title);
+    /// Logs how much of the pool is and was in use. Any thread.
+    void logPool(const FramePool& pool);
 
 private:
     void threadProc() override;

@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <string>
 
+#include "Frame.h"
+
 using asio::ip::tcp;
 using General::Ortha::CTime;
 using std::chrono::milliseconds;
@@ -37,7 +39,7 @@ public:
     // How long the next answer takes.
     [[nodiscard]] milliseconds delay() const { return milliseconds(m_number == slowDevice ? 1500 : 5 + 3 * m_number); }
 
-    // The next answer, a line; empty if the device drops the connection instead.
+    // The next answer, a frame; empty if the device drops the connection instead.
     std::string answer()
     {
         if (m_number == droppingDevice && ++m_requests % dropEvery == 0)
@@ -48,9 +50,9 @@ public:
         const double place = static_cast<double>(m_number);
         const double seconds = static_cast<double>(CTime::getCurrentMilliSecond()) / 1000;
         const double temperature = 4 + 7 * place + 3 * std::sin(seconds * 6.283185307 / period + place);
-        char line[32];
-        std::snprintf(line, sizeof(line), "%.2f C\n", temperature);
-        return line;
+        char value[32];
+        std::snprintf(value, sizeof(value), "%.2f", temperature);
+        return makeFrame(value, "C");
     }
 
 private:

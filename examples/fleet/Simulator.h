@@ -1,4 +1,4 @@
-// Plays devices: real TCP servers on the loopback address, all in one thread. Each answers every line it is sent with a line that holds a temperature.
+// Plays devices: real TCP servers on the loopback address, all in one thread. Each answers every line it is sent with a frame that holds a temperature.
 //
 // The third one is slow: its answers take 1.5 seconds. The sixth drops its connection instead of every third answer.
 #pragma once

@@ -12,6 +12,7 @@
 #include "Asio.h"
 #include "Collector.h"
 #include "DeviceList.h"
+#include "FramePool.h"
 #include "Options.h"
 #include "Poller.h"
 #include "Reporter.h"
@@ -88,6 +89,7 @@ int run(const Options& options)
 
     configureLog(options.verbose);
     General::Ortha::CThreadManager::instance()->registerMainThread();
+    FramePool pool;  // before anything makes a packet
     const std::string end = options.runTime.count() == 0 ? "Ctrl-C stops" : "stops after " + std::to_string(options.runTime.count()) + " s";
     logInfo("fleet: %zu devices of %s, %zu of them simulated; %s.\n\n", devices.size(), options.devices.c_str(), simulator.devices(),
             end.c_str());
@@ -105,7 +107,7 @@ int run(const Options& options)
     std::deque<Poller> pollers;  // a poller stays where it is made
     for (std::size_t i = 0; i < devices.size(); ++i)
     {
-        Poller& poller = pollers.emplace_back(i, devices[i], readings);
+        Poller& poller = pollers.emplace_back(i, devices[i], pool, readings);
         constexpr unsigned int spread = 50;  // the first polls do not all come at once
         poller.start(1 + static_cast<unsigned int>(i % 20) * spread);
     }
@@ -123,6 +125,13 @@ int run(const Options& options)
     reporter.destroyThread();
     pollers.clear();
     reporter.logStatistics("Closing report:");
+    reporter.logPool(pool);
+    // No poll is under way and nobody keeps a reading: a packet that is still out has been lost.
+    if (const std::size_t lost = pool.size() - pool.freeSize(); lost != 0)
+    {
+        throw std::runtime_error(std::to_string(lost) + " bytes of the packet pool have not come back");
+    }
+    logInfo("fleet: the packet pool is full again.\n");
     return 0;
 }
 
