@@ -41,13 +41,14 @@ refuses_list()
     refuses "$text" --devices "$folder/list.csv"
 }
 
-# serve FRAME...: a device at $port that answers each connection's request with the next of these frames, in the notation of printf, and closes it.
+# serve FRAME...: starts a device at $port that answers each connection with the next of these frames, with Perl's escapes, and closes it.
 serve()
 {
+    mkfifo "$folder/port"
     perl -MIO::Socket::INET - "$@" > "$folder/port" << 'END' &
 my @frames = map { eval "qq($_)" } @ARGV;
 my $listener = IO::Socket::INET->new(Listen => 1, LocalAddr => '127.0.0.1') or die "no port: $@";
-local $SIG{PIPE} = 'IGNORE';
+$SIG{PIPE} = 'IGNORE';
 STDOUT->autoflush;
 print $listener->sockport, "\n";
 for (my $i = 0; my $connection = $listener->accept; ++$i)
@@ -58,11 +59,7 @@ for (my $i = 0; my $connection = $listener->accept; ++$i)
 }
 END
     server=$!
-    for ((i = 0; i < 200; ++i)); do
-        read -r port < "$folder/port" && return
-        sleep 0.05
-    done
-    failed "no device to give wrong answers"
+    read -r port < "$folder/port" || failed "no device that gives wrong answers"
 }
 
 # shows PATTERN: the last run wrote a line that matches.
@@ -108,7 +105,8 @@ shows '\] most in use +[1-9][0-9]*$'
 shows 'the packet pool is full again'
 
 # Wrong answers: each is told, ends its connection, and leaves nothing behind in the pool.
-serve '\0\2' '\377\377' '\0\4\0001 C' '\0\4\0031 C' '\0\5\3oneC' '\0\5\3nanC' '\0\5\0031. C' '\0\3\0011\a' '\0\5\0031' '\0\5\0031.5V'
+serve '\0\2' '\377\377' '\0\4\0001 C' '\0\4\0031 C' '\0\5\3oneC' '\0\5\3nanC' '\0\5\0031. C' '\0\3\0011\a' '\0\5\0031' \
+    '\0\5\0031.5V'
 echo "wrong, 127.0.0.1, $port, 50" > "$folder/list.csv"
 timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 3 > "$folder/out" 2>&1 || failed "wrong answers: exit code $?"
 shows 'warn .*\] wrong +a frame of 4 bytes$'
@@ -119,6 +117,7 @@ shows 'warn .*\] wrong +a frame whose value is no number$'
 shows 'warn .*\] wrong +a frame whose unit is not printable$'
 shows 'warn .*\] wrong +no answer: the device closed the connection$'
 shows 'info .*\] wrong +1\.50 V '
+grep 'info .* ms$' "$folder/out" | grep -v ' wrong  *1\.50 V ' && failed "wrong answers pass for readings"
 shows 'the packet pool is full again'
 
 printf 'first, 127.0.0.1, 0, 200\n' > "$folder/list.csv"

@@ -1,6 +1,7 @@
 #include "ortha/ortha3/Packet.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cinttypes>
 #include <cstdlib>
 #include <new>
@@ -29,20 +30,19 @@ struct FailCallback
     TFunction1<void, std::uint32_t> callback ORTHA_GUARDED_BY(mutex);
 };
 
-FailCallback& failCallback()
-{
-    static FailCallback& s_failCallback = *new FailCallback;
-    return s_failCallback;
-}
+// Null until a callback is set: whoever finds no memory must not need any. Never destroyed.
+std::atomic<FailCallback*> s_failCallback{nullptr};
 
 void reportNoMemory()
 {
     constexpr std::uint32_t noMemory = 0x1000000D;
-    FailCallback& fail = failCallback();
-    CGuard guard(fail.mutex);
-    if (!fail.callback.empty())
+    if (FailCallback* const fail = s_failCallback.load(std::memory_order_acquire))
     {
-        fail.callback(noMemory);
+        CGuard guard(fail->mutex);
+        if (!fail->callback.empty())
+        {
+            fail->callback(noMemory);
+        }
     }
 }
 
@@ -83,10 +83,11 @@ struct HeapBlock
 
 void setPacketFailCallback(TFunction1<void, std::uint32_t> callback)
 {
-    FailCallback& fail = failCallback();
+    static FailCallback& fail = *new FailCallback;
     CGuard guard(fail.mutex);
     ORTHA_LOG(levelInfo, "set MallocFailStatus callback success!\n");
     fail.callback = callback;
+    s_failCallback.store(&fail, std::memory_order_release);
 }
 
 OldPacketInternal::OldPacketInternal(Type type, unsigned char* buffer, std::size_t size, std::size_t capacity, void* extraData,

@@ -50,6 +50,9 @@ Hooks& hooks()
     return hooks;
 }
 
+// So that a first line that tells of a lack of memory needs none.
+[[maybe_unused]] const Hooks& s_hooksMadeEarly = hooks();
+
 struct ThreadPrinters
 {
     CRecursiveMutex mutex;  // held while a thread printer runs

@@ -15,7 +15,7 @@
 //     ... with an extra region
 //   late buffer  none until putBuffer()  the caller's function, if a buffer ever came    its own
 //
-// A packet that cannot be made is an invalid handle, and a log line tells why; the caller then still owns the buffer that it meant to hand over. On an invalid
+// A packet that cannot be made is an invalid handle, and the log tells why; the caller then still owns the buffer that it meant to hand over. On an invalid
 // packet every operation gives 0, null or false and does nothing.
 //
 // Threads: handles on one block may be copied, assigned and released by different threads at the same time; the last one frees the block, on its
@@ -42,7 +42,7 @@ public:
     CPacket() noexcept : m_internal(nullptr) {}
 
     /// Managed: `size` bytes of data, not cleared, and `extra` bytes of extra region, aligned to the manager's alignSize. The data starts where the block does; its
-    /// capacity is what the block has room for, at least `size` rounded up. Invalid without memory, and under policyExternal.
+    /// capacity is what the block has room for, at least `size` rounded up: from a pool comes a power of two of whole chunks. Invalid without memory, and under policyExternal.
     CPacket(std::size_t size, std::size_t extra);
 
     /// External: the `size` bytes at `buffer`, which stay the caller's until `freeFunction(buffer, size of the packet by then)` gives them back; an empty
@@ -52,7 +52,8 @@ public:
     /// External, with an extra region of `extra` bytes. Without memory for it the packet stands, and getExtraData() is null.
     CPacket(void* buffer, std::size_t size, std::size_t extra, FreeFunction freeFunction);
 
-    /// Range: the `size` bytes of `packet` from `offset` on, with an extra region of its own. Holds a reference on `packet` until it is gone itself. Invalid unless
+    /// Range: the `size` bytes of `packet` from `offset` on, with an extra region of its own; the range's memory is the C
+    /// runtime's, under every policy. Holds a reference on `packet` until it is gone itself. Invalid unless
     /// the range lies within packet.size() and begins before its end.
     CPacket(const CPacket& packet, std::size_t offset, std::size_t size, std::size_t extra);
 

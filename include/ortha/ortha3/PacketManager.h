@@ -65,6 +65,9 @@ public:
             alignSize;  ///< bytes, at least 4, to whose multiple sizes inside a packet are rounded; cut to a power of two; 4 by default
     };
 
+    CPacketManager(const CPacketManager&) = delete;
+    CPacketManager& operator=(const CPacketManager&) = delete;
+
     /// Sets the policy, the system functions and the pool's measures; policyUnchanged and null pointers leave their item as it is. May be called again
     /// until the first packet or instance(); the last call that gives an item decides it. Afterwards, and for a policy above 4, it logs a warning and
     /// changes nothing. Asserts that the measures are as PoolParameter tells and that no function is empty. Start-up.
@@ -104,8 +107,6 @@ private:
     friend class Ortha::Singleton<CPacketManager>;
     CPacketManager();
     ~CPacketManager();
-    CPacketManager(const CPacketManager&) = delete;
-    CPacketManager& operator=(const CPacketManager&) = delete;
 
     PacketManagerInternal* m_internal;
 };

@@ -11,6 +11,9 @@ namespace General::Memory {
 class PacketInternal
 {
 public:
+    PacketInternal(const PacketInternal&) = delete;
+    PacketInternal& operator=(const PacketInternal&) = delete;
+
     void addRef() noexcept { ++m_refCount; }
     void release() noexcept
     {
@@ -31,8 +34,6 @@ public:
 protected:
     PacketInternal() = default;
     ~PacketInternal() = default;
-    PacketInternal(const PacketInternal&) = delete;
-    PacketInternal& operator=(const PacketInternal&) = delete;
 
 private:
     /// Ends the object; called when the last reference is gone.
