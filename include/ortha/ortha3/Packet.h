@@ -41,8 +41,8 @@ public:
     /// An invalid packet.
     CPacket() noexcept : m_internal(nullptr) {}
 
-    /// Managed: `size` bytes of data, not cleared, and `extra` bytes of extra region, aligned to the manager's alignSize. The data starts where the block does; its
-    /// capacity is what the block has room for, at least `size` rounded up: from a pool comes a power of two of whole chunks. Invalid without memory, and under policyExternal.
+    /// Managed: `size` bytes of data, not cleared, and `extra` bytes of extra region, aligned to the manager's alignSize. capacity() is what the block
+    /// has room for, at least `size` rounded up: a pool gives a power of two of whole chunks. Invalid without memory, and under policyExternal.
     CPacket(std::size_t size, std::size_t extra);
 
     /// External: the `size` bytes at `buffer`, which stay the caller's until `freeFunction(buffer, size of the packet by then)` gives them back; an empty
@@ -52,9 +52,8 @@ public:
     /// External, with an extra region of `extra` bytes. Without memory for it the packet stands, and getExtraData() is null.
     CPacket(void* buffer, std::size_t size, std::size_t extra, FreeFunction freeFunction);
 
-    /// Range: the `size` bytes of `packet` from `offset` on, with an extra region of its own; the range's memory is the C
-    /// runtime's, under every policy. Holds a reference on `packet` until it is gone itself. Invalid unless
-    /// the range lies within packet.size() and begins before its end.
+    /// Range: the `size` bytes of `packet` from `offset` on, with an extra region of its own. Holds a reference on `packet` until it is gone itself. Invalid
+    /// unless the range lies within packet.size() and begins before its end. What it needs besides the data is of the C runtime's heap, under every policy.
     CPacket(const CPacket& packet, std::size_t offset, std::size_t size, std::size_t extra);
 
     /// Late buffer: stands for `capacity` bytes that putBuffer() will bring, with an extra region of `extra` bytes (as in the external form). At the end calls

@@ -94,8 +94,8 @@ public:
     /// The memory that holds the pool, up to one chunk before the first chunk; null without a pool.
     [[nodiscard]] unsigned char* getPoolBuffer() const;
 
-    /// Has each block of the pool remembered, from now on, with its size and the thread that allocated it, at the cost of a map operation for each malloc and free;
-    /// or forgets them all. A block for which there is no memory left to remember it is not counted.
+    /// Has each block of the pool remembered from now on, with its size and the thread that allocated it, at the price of a map operation for each malloc and
+    /// free; or forgets them all. A block that there is no memory left to remember is not counted.
     void enableNodesStatistics(bool enable);
     /// Logs at info level: with statistics, the blocks in use by thread; then, under policyPool, every free block. That list is logged with the
     /// pool's mutex held, so a print hook must not allocate or free packets, nor wait for a thread that does.
