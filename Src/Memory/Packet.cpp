@@ -283,7 +283,7 @@ std::size_t OldPacketInternal::putBuffer(void* data, std::size_t size)
         m_size = size;
         return size;
     }
-    const std::size_t n = std::min(size, m_capacity - m_size);
+    const std::size_t n = m_buffer ? std::min(size, m_capacity - m_size) : 0;
     if (n != 0)
     {
         PacketManagerInternal::instance()->memcpy(m_buffer + m_size, data, n);

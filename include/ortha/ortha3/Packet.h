@@ -41,8 +41,9 @@ public:
     /// An invalid packet.
     CPacket() noexcept : m_internal(nullptr) {}
 
-    /// Managed: `size` bytes of data, not cleared, and `extra` bytes of extra region, aligned to the manager's alignSize. capacity() is what the block
-    /// has room for, at least `size` rounded up: a pool gives a power of two of whole chunks. Invalid without memory, and under policyExternal.
+    /// Managed: `size` bytes of data, not cleared, and `extra` bytes of extra region; both begin at multiples of the manager's alignSize from the start of
+    /// their block. capacity() is what the block has room for, at least `size` rounded up: a pool gives a power of two of whole chunks. Invalid without
+    /// memory, and under policyExternal.
     CPacket(std::size_t size, std::size_t extra);
 
     /// External: the `size` bytes at `buffer`, which stay the caller's until `freeFunction(buffer, size of the packet by then)` gives them back; an empty
@@ -92,8 +93,8 @@ public:
     [[nodiscard]] bool valid() const noexcept { return m_internal != nullptr; }
 
     /// Late buffer: takes the `size` bytes at `data` as its data, without a copy, in place of those it had; they stay the caller's. Gives `size`.
-    /// Other forms: appends a copy of as many of the bytes as there is room for between size() and capacity(), and gives their number. A packet begins
-    /// with its size as asked for, so resize(0) comes first where the data is to be built up.
+    /// Other forms: appends a copy of as many of the bytes as there is room for between size() and capacity(), none without a buffer, and gives their
+    /// number. A packet begins with its size as asked for, so resize(0) comes first where the data is to be built up.
     std::size_t putBuffer(void* data, std::size_t size) { return m_internal ? m_internal->putBuffer(data, size) : 0; }
     /// The data; null if there is none, or none yet.
     [[nodiscard]] unsigned char* getBuffer() const { return m_internal ? m_internal->getBuffer() : nullptr; }
