@@ -24,6 +24,8 @@ public:
     virtual ~ClockSource() = default;
     /// Nanoseconds of the wall clock since 1970-01-01 00:00:00 UTC.
     virtual std::int64_t wallNanoseconds() = 0;
+    /// Sets the wall clock. False if the system refuses.
+    virtual bool setWallNanoseconds(std::int64_t nanoseconds) = 0;
     /// A free-running counter that is not moved when the wall clock is set.
     virtual std::uint64_t counter() = 0;
     /// Ticks of the counter in a second.
@@ -35,6 +37,12 @@ void setClockSource(ClockSource* source);
 
 /// The wall clock in the system's time zone. Reads the clock once. A change of zone is seen within a second.
 CalendarTime localTime();
+/// The wall clock: nanoseconds since 1970-01-01 00:00:00 UTC.
+std::int64_t wallNanoseconds();
+/// Sets the wall clock to a time in the system's zone, whose `dayOfWeek` is not read. False if there is no such time, or the system refuses.
+bool setLocalTime(const CalendarTime& time);
+/// Seconds that the zone's standard time lies behind UTC, negative to the east, as the C runtime has it.
+std::int64_t zoneOffset();
 std::uint64_t counter();
 std::uint64_t counterFrequency();
 

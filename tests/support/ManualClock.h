@@ -16,10 +16,21 @@ public:
     ~ManualClock() override { Platform::setClockSource(nullptr); }
 
     std::int64_t wallNanoseconds() override { return m_wall; }
+    bool setWallNanoseconds(std::int64_t nanoseconds) override
+    {
+        if (m_refuses)
+        {
+            return false;
+        }
+        m_wall = nanoseconds;
+        return true;
+    }
     std::uint64_t counter() override { return m_counter; }
     std::uint64_t frequency() override { return m_frequency; }
 
     void setWall(std::int64_t milliSeconds) { m_wall = milliSeconds * 1000000; }
+    /// Whether the wall clock can be set through the library.
+    void refuse(bool refuses) { m_refuses = refuses; }
     void setCounter(std::uint64_t ticks) { m_counter = ticks; }
     /// Moves both clocks on.
     void advance(std::int64_t milliSeconds)
@@ -31,6 +42,7 @@ public:
 private:
     std::atomic<std::int64_t> m_wall{0};
     std::atomic<std::uint64_t> m_counter{0};
+    std::atomic<bool> m_refuses{false};
     const std::uint64_t m_frequency;
 };
 

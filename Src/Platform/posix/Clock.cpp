@@ -11,11 +11,20 @@ constexpr std::int64_t nanosecondsPerSecond = 1000000000;
 
 std::atomic<ClockSource*> s_source{nullptr};
 
+constexpr std::int64_t nanosecondsPerMilliSecond = 1000000;
+
 std::int64_t read(clockid_t clock)
 {
     timespec time;
     clock_gettime(clock, &time);
     return static_cast<std::int64_t>(time.tv_sec) * nanosecondsPerSecond + time.tv_nsec;
+}
+
+bool set(std::int64_t nanoseconds)
+{
+    const timespec time{static_cast<std::time_t>(nanoseconds / nanosecondsPerSecond),
+                        static_cast<long>(nanoseconds % nanosecondsPerSecond)};
+    return clock_settime(CLOCK_REALTIME, &time) == 0;
 }
 
 }  // namespace
@@ -27,8 +36,7 @@ void setClockSource(ClockSource* source)
 
 CalendarTime localTime()
 {
-    ClockSource* source = s_source.load(std::memory_order_acquire);
-    const std::int64_t now = source ? source->wallNanoseconds() : read(CLOCK_REALTIME);
+    const std::int64_t now = wallNanoseconds();
     const std::time_t second = now / nanosecondsPerSecond;
 
     // The runtime's conversion takes the zone's lock; one conversion serves a thread for the whole second.
@@ -47,8 +55,40 @@ CalendarTime localTime()
         split.second = second;
     }
     CalendarTime time = split.time;
-    time.milliSecond = static_cast<int>(now % nanosecondsPerSecond / 1000000);
+    time.milliSecond = static_cast<int>(now % nanosecondsPerSecond / nanosecondsPerMilliSecond);
     return time;
+}
+
+std::int64_t wallNanoseconds()
+{
+    ClockSource* source = s_source.load(std::memory_order_acquire);
+    return source ? source->wallNanoseconds() : read(CLOCK_REALTIME);
+}
+
+bool setLocalTime(const CalendarTime& time)
+{
+    std::tm fields{};
+    fields.tm_year = time.year - 1900;
+    fields.tm_mon = time.month - 1;
+    fields.tm_mday = time.day;
+    fields.tm_hour = time.hour;
+    fields.tm_min = time.minute;
+    fields.tm_sec = time.second;
+    fields.tm_isdst = -1;
+    const std::time_t second = std::mktime(&fields);
+    if (second == -1 || time.milliSecond < 0 || time.milliSecond > 999)
+    {
+        return false;
+    }
+    const std::int64_t now = second * nanosecondsPerSecond + time.milliSecond * nanosecondsPerMilliSecond;
+    ClockSource* source = s_source.load(std::memory_order_acquire);
+    return source ? source->setWallNanoseconds(now) : set(now);
+}
+
+std::int64_t zoneOffset()
+{
+    static const std::int64_t s_offset = (tzset(), timezone);
+    return s_offset;
 }
 
 std::uint64_t counter()
