@@ -188,7 +188,8 @@ bool DstManager::getTime(const DstConfigInfo& rule, int year, CTime& out)
     {
         if (year < Calendar::firstYear || year > Calendar::lastYear)
         {
-            ORTHA_LOG(levelWarn, "mktime(%4d-%2d-%2d) failed!\n", year, rule.month, 1);
+            const bool fromFirst = rule.week > 0;
+            ORTHA_LOG(levelWarn, "mktime(%4d-%2d-%2d) failed%s\n", year, rule.month, fromFirst ? 1 : 28, fromFirst ? "!" : "");
             return false;
         }
         // The first such weekday of the month, or for its last one the one that begins the month's last seven days.
