@@ -74,6 +74,11 @@ refuses --no-simulate --simulate --no-simulate
 refuses "$folder/missing.csv" --devices "$folder/missing.csv"
 refuses "$folder: " --devices "$folder"
 
+refuses "1 to 64 characters" --format ''
+refuses "1 to 64 characters" --format "$(printf 'H%.0s' {1..65})"
+refuses "1 to 64 characters" --format $'HH\nmm'
+refuses "the date stands in the order" --format 'MM/yyyy'
+
 refuses_list "list.csv: names no device" '# nothing' ''
 refuses_list "list.csv:3: expected 4 fields" '# id, address, port, period' '' 'a, 127.0.0.1, 0'
 refuses_list "list.csv:1: empty id" ' , 127.0.0.1, 0, 1000'
@@ -88,6 +93,24 @@ refuses "list.csv:2: port 0" --devices "$folder/list.csv" --no-simulate
 timeout 10 "$fleet" --help > "$folder/out" || failed "--help: exit code $?"
 shows '--devices FILE'
 
+# The rehearsal of daylight saving. The dates and times are those of the C runtime, for the same rules.
+timeout 10 "$fleet" --dst-rehearsal > "$folder/out" 2>&1 || failed "--dst-rehearsal: exit code $?"
+zone='STD-1DST,M3.5.0/2,M10.5.0/3'
+changes=()
+for month in 03 10; do
+    year="$(date +%Y)"
+    for day in {25..31}; do
+        [[ "$(date -d "$year-$month-$day" +%w)" == 0 ]] && changes+=("$year-$month-$day")
+    done
+done
+shows "begins ${changes[0]} 02:00:00 and ends ${changes[1]} 03:00:00"
+for change in "${changes[@]}"; do
+    for time in 00:59:59 01:00:00; do
+        shows "\] $change $time  $(TZ="$zone" date -d "$change $time UTC" '+%F %T  \%:z')$"
+    done
+done
+[[ "$(grep -cE '  [+-][0-9]{2}:[0-9]{2}$' "$folder/out")" == 4 ]] || failed "--dst-rehearsal: not four local times"
+
 # Two fast devices, the slow one, and the one that drops its connection: the built-in list's places.
 for id in first second slow fourth fifth drops; do
     echo "$id, 127.0.0.1, 0, 200"
@@ -99,6 +122,10 @@ shows '\] drops +connected again'
 shows '\] +slow +[0-9]+ +64 +Timeout$'
 shows '\] +second +[0-9]+ +[0-9]+ +200 '
 shows 'Closing report:'
+last="$(sed -n '/Closing report/q; s/.*\] first .* ms  //p' "$folder/out" | tail -n 1)"
+[[ "$last" =~ ^[0-9]{4}(-[0-9]{2}){2}\ [0-9]{2}(:[0-9]{2}){2}$ ]] || failed "a reading is stamped '$last'"
+(($(date +%s) - $(date -d "$last" +%s) < 10)) || failed "a reading is stamped '$last', now is $(date)"
+sed -n '/Closing report/,$p' "$folder/out" | grep -qE "\] first .*  $last$" || failed "the closing report does not show $last"
 shows '\] size +1048576$'
 shows '\] free +1048576$'
 shows '\] most in use +[1-9][0-9]*$'
@@ -108,7 +135,8 @@ shows 'the packet pool is full again'
 serve '\0\2' '\377\377' '\0\4\0001 C' '\0\4\0031 C' '\0\5\3oneC' '\0\5\3nanC' '\0\5\0031. C' '\0\3\0011\a' '\0\5\0031' \
     '\0\5\0031.5V'
 echo "wrong, 127.0.0.1, $port, 50" > "$folder/list.csv"
-timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 3 > "$folder/out" 2>&1 || failed "wrong answers: exit code $?"
+timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 3 --format 'dd/MM/yy h:mm:ss tt' > "$folder/out" 2>&1 ||
+    failed "wrong answers: exit code $?"
 shows 'warn .*\] wrong +a frame of 4 bytes$'
 shows 'warn .*\] wrong +a frame of 65537 bytes$'
 shows 'warn .*\] wrong +a frame whose value has 0 of 3 bytes$'
@@ -116,17 +144,18 @@ shows 'warn .*\] wrong +a frame whose value has 3 of 3 bytes$'
 shows 'warn .*\] wrong +a frame whose value is no number$'
 shows 'warn .*\] wrong +a frame whose unit is not printable$'
 shows 'warn .*\] wrong +no answer: the device closed the connection$'
-shows 'info .*\] wrong +1\.50 V '
-grep 'info .* ms$' "$folder/out" | grep -v ' wrong  *1\.50 V ' && failed "wrong answers pass for readings"
+shows 'info .*\] wrong +1\.50 V .* ms  [0-9]{2}/[0-9]{2}/[0-9]{2} 1?[0-9]:[0-9]{2}:[0-9]{2} [AP]M$'
+grep 'info .* ms  ' "$folder/out" | grep -v ' wrong  *1\.50 V ' && failed "wrong answers pass for readings"
 shows 'the packet pool is full again'
 
 printf 'first, 127.0.0.1, 0, 200\n' > "$folder/list.csv"
+widest="$(printf 'hm%.0s' {1..32})"  # no template gives longer stamps
 for signal in INT TERM; do
     : > "$folder/out"  # the last run's readings would pass for this one's
-    "$fleet" --devices "$folder/list.csv" > "$folder/out" 2>&1 &
+    "$fleet" --devices "$folder/list.csv" --format "$widest" > "$folder/out" 2>&1 &
     pid=$!
     for ((i = 0; i < 200; ++i)); do
-        grep -q ' ms$' "$folder/out" && break
+        grep -q ' ms  ' "$folder/out" && break
         sleep 0.05
     done
     code=0
@@ -135,6 +164,7 @@ for signal in INT TERM; do
     wait "$pid" || code=$?
     [[ $code == 0 ]] || failed "SIG$signal: exit code $code"
     shows "SIG$signal, stopping"
+    shows ' ms  [0-9]{64,128}$'
 done
 
 if ((failures)); then

@@ -29,6 +29,7 @@ void Collector::onReading(std::size_t device, const Reading& reading)
     statistics.sum += value;
     statistics.latencySum += reading.latency;
     statistics.latencyMax = std::max(statistics.latencyMax, reading.latency);
+    statistics.lastTime = reading.time;
 }
 
 std::vector<Statistics> Collector::statistics() const

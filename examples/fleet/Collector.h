@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ortha/ortha3/ReadWriteMutex.h>
+#include <ortha/ortha3/Time.h>
 
 #include <cstddef>
 #include <vector>
@@ -22,6 +23,7 @@ struct Statistics
     double sum = 0;
     unsigned long long latencySum = 0;  ///< microseconds, of the readings
     unsigned long long latencyMax = 0;
+    General::Ortha::CTime lastTime;
 };
 
 /// Threads: every operation from any thread.

@@ -40,6 +40,10 @@ std::optional<int> readOptions(int argc, char** argv, Options& options)
     CLI::Option* const all = app.add_flag("--simulate", simulate, "plays all devices itself; by default those of port 0");
     app.add_flag("--no-simulate", noSimulate, "plays none")->excludes(all);
     app.add_option("--seconds", seconds, "stops after N seconds")->option_text("N")->check(CLI::Range(1U, 1000000000U));
+    app.add_option("--format", options.format, "how times are written: y M d, H m s, h for 12 hours, t for AM or PM; others as they are")
+        ->option_text("TEMPLATE")
+        ->check(checkStampTemplate);
+    app.add_flag("--dst-rehearsal", options.dstRehearsal, "prints what daylight saving does to this year, and ends");
     app.add_flag("--verbose", options.verbose, "logs at trace level");
     try
     {

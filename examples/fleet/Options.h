@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "Stamp.h"
+
 namespace Fleet {
 
 struct Options
@@ -12,6 +14,8 @@ struct Options
     std::string devices;             ///< the device list
     std::optional<bool> simulate;    ///< true: all devices; false: none; not given: those of port 0
     std::chrono::seconds runTime{};  ///< 0: until stopped
+    std::string format = defaultStampTemplate;
+    bool dstRehearsal = false;  ///< no polling: what daylight saving does to this year
     bool verbose = false;
 };
 

@@ -75,6 +75,7 @@ void Poller::ask(Reading& reading)
     m_connection.receive(buffer, frameLengthSize, answerLimit);
     frame.resize(frameSize(buffer));
     m_connection.receive(buffer + frameLengthSize, frame.size() - frameLengthSize, answerLimit);
+    reading.time = CTime::getCurrentTime();
     takeApart(frame, reading.value, reading.unit);
 }
 

@@ -3,6 +3,7 @@
 
 #include <ortha/ortha3/Packet.h>
 #include <ortha/ortha3/SignalTemplate.h>
+#include <ortha/ortha3/Time.h>
 
 #include <cstddef>
 #include <string>
@@ -14,6 +15,7 @@ struct Reading
     bool ok = false;
     General::Memory::CPacket value;  ///< number() in Frame.h reads it; a part of the frame it came in, as the unit is
     General::Memory::CPacket unit;   ///< text() reads it
+    General::Ortha::CTime time;      ///< the local time at which the frame arrived; unset if none did
     std::string error;               ///< why there is no value; empty if there is one
     unsigned long long latency = 0;  ///< microseconds from the request, or the connecting before it, to the answer
     bool reconnected = false;        ///< the poll had to connect anew

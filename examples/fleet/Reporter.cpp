@@ -7,9 +7,11 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string>
 #include <string_view>
 
 #include "Frame.h"
+#include "Stamp.h"
 
 using General::Ortha::CGuard;
 using General::Ortha::CThreadManager;
@@ -59,8 +61,8 @@ void Reporter::onReading(std::size_t device, const Reading& reading)
     if (reading.ok)
     {
         const std::string_view unit = text(reading.unit);
-        logInfo(" %-*s %9.2f %-4.*s %9.1f ms\n", m_idWidth, id, number(reading.value), static_cast<int>(unit.size()), unit.data(),
-                milliseconds(static_cast<double>(reading.latency)));
+        logInfo(" %-*s %9.2f %-4.*s %9.1f ms  %s\n", m_idWidth, id, number(reading.value), static_cast<int>(unit.size()), unit.data(),
+                milliseconds(static_cast<double>(reading.latency)), stamp(reading.time).c_str());
     }
     else
     {
@@ -73,22 +75,24 @@ void Reporter::logStatistics(const char* title)
     const std::vector<Statistics> statistics = m_collector.statistics();
     CGuard guard(m_output);
     logInfo("%s\n", title);
-    logInfo(" %-*s readings errors reconnects    last     min     max    mean  ms: mean     max\n", m_idWidth, "device");
+    logInfo(" %-*s readings errors reconnects    last     min     max    mean  ms: mean     max  last reading\n", m_idWidth, "device");
     Statistics total;
     for (std::size_t i = 0; i < statistics.size(); ++i)
     {
         const Statistics& device = statistics[i];
         char values[96] = "";
+        std::string lastReading;
         if (device.readings != 0)
         {
             const double count = static_cast<double>(device.readings);
             std::snprintf(values, sizeof(values), " %7.2f %7.2f %7.2f %7.2f %9.1f %7.1f", device.last, device.min, device.max,
                           device.sum / count, milliseconds(static_cast<double>(device.latencySum) / count),
                           milliseconds(static_cast<double>(device.latencyMax)));
+            lastReading = "  " + stamp(device.lastTime);
         }
         // A row is one call: texts of other threads can stand between two.
-        logInfo(" %-*s %8llu %6llu %10llu%s\n", m_idWidth, m_devices[i].id.c_str(), device.readings, device.errors, device.reconnects,
-                values);
+        logInfo(" %-*s %8llu %6llu %10llu%s%s\n", m_idWidth, m_devices[i].id.c_str(), device.readings, device.errors, device.reconnects,
+                values, lastReading.c_str());
         total.readings += device.readings;
         total.errors += device.errors;
         total.reconnects += device.reconnects;

@@ -2,6 +2,7 @@
 
 #include <ortha/ortha3/PrintLog.h>
 #include <ortha/ortha3/ThreadManager.h>
+#include <ortha/ortha3/Time.h>
 
 #include <csignal>
 #include <cstdio>
@@ -12,6 +13,7 @@
 #include "Asio.h"
 #include "Collector.h"
 #include "DeviceList.h"
+#include "DstRehearsal.h"
 #include "FramePool.h"
 #include "Options.h"
 #include "Poller.h"
@@ -79,6 +81,13 @@ std::string waitForStop(asio::io_context& io, asio::signal_set& signals, std::ch
 
 int run(const Options& options)
 {
+    configureLog(options.verbose);
+    General::Ortha::CTime::setFormatString(options.format.c_str());
+    if (options.dstRehearsal)
+    {
+        rehearseDst();
+        return 0;
+    }
     std::vector<Device> devices = readDeviceList(options.devices);
     Simulator simulator;
     simulate(options, devices, simulator);
@@ -87,7 +96,6 @@ int run(const Options& options)
     asio::io_context io;
     asio::signal_set signals(io, SIGINT, SIGTERM);
 
-    configureLog(options.verbose);
     General::Ortha::CThreadManager::instance()->registerMainThread();
     FramePool pool;  // before anything makes a packet
     const std::string end = options.runTime.count() == 0 ? "Ctrl-C stops" : "stops after " + std::to_string(options.runTime.count()) + " s";

@@ -135,7 +135,8 @@ public:
         formatAsWritten = 7       ///< all three
     };
 
-    /// Writes the time, as the template tells, and a terminating zero into `buf`, which must have room for them; allocates nothing.
+    /// Writes the time, as the template tells, and a terminating zero into `buf`, which must have room for them: twice the template's length, and the
+    /// zero, is enough for every possible time. Allocates nothing.
     ///
     ///   y M d    a run stands for the next date field in the order set: "yyyy" 2024, "yy" 24, "MM" 03, "M" 3. Which letter a run has does not matter for
     ///            its place, only how often each letter is in the template
@@ -145,7 +146,8 @@ public:
     ///   - . /    the separator set
     ///   others   stand for themselves
     ///
-    /// An impossible order of y, M, d in the template (with formatDateOrder) leaves an error line and counts as year, month, day.
+    /// With formatDateOrder a template without one of the three orders, and one without a date, leaves an error line and counts as year, month, day. Missing
+    /// letters count as coming last.
     void format(char* buf, const char* format, int options) const;
     /// Reads six numbers, whatever stands between them: a date in the order of y, M and d in the template, then hour, minute, second. With an "h" in
     /// the template the text must hold "AM" or "PM", and the hour be below 13. Impossible fields are held to the nearest possible ones. False, with an
