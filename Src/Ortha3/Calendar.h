@@ -24,27 +24,27 @@ constexpr int monthDays(int year, int month)
     return days[month - 1] + (month == 2 && isLeap(year) ? 1 : 0);
 }
 
-/// Days from 1970-01-01 to the first of January, by years since 1970; the last entry is one year beyond.
+/// Days from 1970-01-01 to the first of March, by years since 1969. A year that begins in March has its leap day at the end, so no date needs a test for it.
 inline constexpr auto yearStarts = [] {
-    std::array<std::int32_t, lastYear - firstYear + 2> starts{};
+    std::array<std::int32_t, lastYear - firstYear + 2> starts{31 + 28 - 365};
     for (int year = firstYear; year <= lastYear; ++year)
     {
-        starts[static_cast<std::size_t>(year - firstYear + 1)] =
-            starts[static_cast<std::size_t>(year - firstYear)] + (isLeap(year) ? 366 : 365);
+        const auto i = static_cast<std::size_t>(year - firstYear);
+        starts[i + 1] = starts[i] + (isLeap(year) ? 366 : 365);
     }
     return starts;
 }();
 
-/// Days before a month, by month from 1 on, of a common year.
-inline constexpr std::int16_t monthStarts[] = {0, 0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
-
-constexpr std::int64_t lastSecond = std::int64_t{yearStarts.back()} * secondsPerDay - 1;
+/// Days from the first of March to the first of a month, by month.
+inline constexpr std::int16_t monthStarts[] = {0, 306, 337, 0, 31, 61, 92, 122, 153, 184, 214, 245, 275};
 
 /// Days since 1970-01-01 of a date that exists.
 constexpr int daysOf(int year, int month, int day)
 {
-    return yearStarts[static_cast<std::size_t>(year - firstYear)] + monthStarts[month] + day - 1 + (month > 2 && isLeap(year) ? 1 : 0);
+    return yearStarts[static_cast<std::size_t>(year - firstYear + (month > 2 ? 1 : 0))] + monthStarts[month] + day - 1;
 }
+
+constexpr std::int64_t lastSecond = std::int64_t{daysOf(lastYear, 12, 31) + 1} * secondsPerDay - 1;
 
 constexpr int weekday(int days)
 {
@@ -75,27 +75,37 @@ constexpr void clampTime(Time& time)
     time.second = std::clamp<std::int32_t>(time.second, 0, 59);
 }
 
+/// Whether a time is certainly one that exists; February 29 is not looked into.
 template <class Time>
-constexpr bool isValid(const Time& time)
+constexpr bool isPlain(const Time& time)
 {
-    const auto within = [](std::int32_t value, std::int32_t low, std::int32_t high) {
-        return static_cast<std::uint32_t>(value - low) <= static_cast<std::uint32_t>(high - low);
+    constexpr std::uint8_t lastDays[16] = {0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const auto below = [](std::int32_t value, std::int32_t end) {
+        return static_cast<std::uint32_t>(value) < static_cast<std::uint32_t>(end);
     };
-    // Every month has 28 days; the few other dates go the long way.
-    return within(time.year, firstYear, lastYear) && within(time.month, 1, 12) && within(time.day, 1, 28) && within(time.hour, 0, 23) &&
-           within(time.minute, 0, 59) && within(time.second, 0, 59);
+    // One condition and not six: what a caller's times fail by cannot be foreseen.
+    return (below(time.year - firstYear, lastYear - firstYear + 1) & below(time.month - 1, 12) &
+            below(time.day - 1, lastDays[time.month & 15]) & below(time.hour, 24) & below(time.minute, 60) & below(time.second, 60)) != 0;
+}
+
+template <class Time>
+constexpr std::int64_t secondsOf(const Time& time)
+{
+    return std::int64_t{daysOf(time.year, time.month, time.day)} * secondsPerDay + time.hour * 3600 + time.minute * 60 + time.second;
 }
 
 /// Seconds of the fields, which are held to what there is, since 1970-01-01 00:00:00.
 template <class Time>
-constexpr std::int64_t toSeconds(Time time)
+constexpr std::int64_t toSeconds(const Time& time)
 {
-    if (!isValid(time))
+    if (isPlain(time))
     {
-        clampDate(time);
-        clampTime(time);
+        return secondsOf(time);
     }
-    return std::int64_t{daysOf(time.year, time.month, time.day)} * secondsPerDay + time.hour * 3600 + time.minute * 60 + time.second;
+    Time held = time;
+    clampDate(held);
+    clampTime(held);
+    return secondsOf(held);
 }
 
 /// Fills date, time of day and weekday from seconds since 1970-01-01 00:00:00, held to the calendar.

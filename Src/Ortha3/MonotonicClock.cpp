@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <atomic>
 #include <cstdint>
 
@@ -28,7 +29,9 @@ void initPerformanceQueryCount()
     }
 }
 
-double ticksSinceBase(double unitsPerSecond)
+// In units of which a second has `unitsPerSecond`.
+template <unsigned int unitsPerSecond>
+unsigned long long sinceBase()
 {
     std::uint64_t frequency = m_frequency.load(std::memory_order_acquire);
     if (frequency == 0)
@@ -37,26 +40,28 @@ double ticksSinceBase(double unitsPerSecond)
         frequency = m_frequency.load(std::memory_order_acquire);
     }
     // Two processors' counters may disagree: a thread never sees its own clock fall.
-    const std::uint64_t count = Platform::counter();
-    if (count > m_lastCount)
-    {
-        m_lastCount = count;
-    }
+    const std::uint64_t count = std::max(Platform::counter(), m_lastCount);
+    m_lastCount = count;
     const std::uint64_t base = m_baseCount.load(std::memory_order_relaxed);
-    const std::uint64_t ticks = m_lastCount > base ? m_lastCount - base : 0;
-    return static_cast<double>(ticks) / (static_cast<double>(frequency) / unitsPerSecond);
+    const std::uint64_t ticks = count > base ? count - base : 0;
+    constexpr std::uint64_t nanoseconds = 1000000000;
+    if (frequency == nanoseconds)  // as on most systems; a division of integers by a constant is a third of the time
+    {
+        return ticks / (nanoseconds / unitsPerSecond);
+    }
+    return static_cast<unsigned long long>(static_cast<double>(ticks) / (static_cast<double>(frequency) / unitsPerSecond));
 }
 
 }  // namespace
 
 unsigned long long CTime::getCurrentMilliSecond()
 {
-    return static_cast<unsigned long long>(ticksSinceBase(1000.0));
+    return sinceBase<1000>();
 }
 
 unsigned long long CTime::getCurrentMicroSecond()
 {
-    return static_cast<unsigned long long>(ticksSinceBase(1000000.0));
+    return sinceBase<1000000>();
 }
 
 }  // namespace General::Ortha

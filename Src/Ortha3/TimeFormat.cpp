@@ -20,7 +20,15 @@ void report(const char* text)
     ORTHA_LOG(levelError, "%s", text);
 }
 
-// What format() needs to know of a template before it walks it. Places are counted from the left, a missing letter is beyond all.
+// The template that most times are written and read by, and that the others' cost is not to be paid for.
+constexpr char plainTemplate[] = "yyyy-MM-dd HH:mm:ss";
+
+bool isPlainTemplate(const char* format)
+{
+    return std::strcmp(format, plainTemplate) == 0;
+}
+
+// What there is to know of a template before it is walked. Places are counted from the left, a missing letter is beyond all.
 struct Letters
 {
     explicit Letters(const char* format)
@@ -102,6 +110,29 @@ char* write(char* to, int number, int digits)
     return to;
 }
 
+// Writes a time of possible fields as "2024-03-05 07:08:09", with `separator` between date and time of day. Gives its end.
+char* writeFixed(char* to, const SystemTime& time, char separator)
+{
+    const auto two = [](char* at, std::int32_t number) {
+        const auto digits = static_cast<std::uint32_t>(number);
+        at[0] = static_cast<char>('0' + digits / 10);
+        at[1] = static_cast<char>('0' + digits % 10);
+    };
+    two(to, time.year / 100);
+    two(to + 2, time.year % 100);
+    to[4] = '-';
+    two(to + 5, time.month);
+    to[7] = '-';
+    two(to + 8, time.day);
+    to[10] = separator;
+    two(to + 11, time.hour);
+    to[13] = ':';
+    two(to + 14, time.minute);
+    to[16] = ':';
+    two(to + 17, time.second);
+    return to + 19;
+}
+
 constexpr int dateFieldSize = 4;
 
 // Writes a date field, cut to its size.
@@ -142,21 +173,23 @@ const char* skipRun(const char* at, char letter, char other)
     return at;
 }
 
-// Reads decimal numbers with anything but digits between them; a digit run too long for an int is INT_MAX. `between` is shown each character between.
+// Reads decimal numbers with anything but digits between them; a digit run too long for an int counts as INT_MAX. `between` is shown each character between.
 template <class Between>
 int readNumbers(const char* text, int* numbers, int most, Between between)
 {
+    const auto digitOf = [](char c) { return static_cast<unsigned int>(c) - '0'; };
     int count = 0;
     do
     {
         int number = 0;
-        for (; *text >= '0' && *text <= '9'; ++text)
+        unsigned int digit = digitOf(*text);
+        while (digit < 10)
         {
-            const int digit = *text - '0';
-            number = number > (INT_MAX - digit) / 10 ? INT_MAX : number * 10 + digit;
+            number = number >= INT_MAX / 10 ? INT_MAX : number * 10 + static_cast<int>(digit);
+            digit = digitOf(*++text);
         }
         numbers[count++] = number;
-        for (; *text != 0 && (*text < '0' || *text > '9'); ++text)
+        for (; digit >= 10 && *text != 0; digit = digitOf(*++text))
         {
             between(*text);
         }
@@ -204,9 +237,25 @@ TimePreferences preferencesOf(const char* format, ReportFormatFault reportFault)
     return preferences;
 }
 
+// Whether a time's fields have no more digits than the plain template shows.
+bool isPlain(const SystemTime& time)
+{
+    const auto below = [](std::int32_t value, std::uint32_t end) { return static_cast<std::uint32_t>(value) < end; };
+    return below(time.year, 10000) && below(time.month, 100) && below(time.day, 100) && below(time.hour, 100) && below(time.minute, 100) &&
+           below(time.second, 100);
+}
+
 void formatTime(char* buf, const char* format, const SystemTime& time, TimePreferences preferences, int options,
                 ReportFormatFault reportFault)
 {
+    const bool keepSeparator = (options & CTime::formatKeepSeparator) != 0;
+    if (isPlainTemplate(format) && (keepSeparator || preferences.separator == '-') &&
+        ((options & CTime::formatDateOrder) != 0 || preferences.dateFormat == CTime::dateFormatYMD) &&
+        ((options & CTime::formatHourStyle) != 0 || !preferences.twelveHour) && isPlain(time))
+    {
+        *writeFixed(buf, time, ' ') = 0;
+        return;
+    }
     const Letters letters(format);
     if ((options & CTime::formatDateOrder) != 0 && !letters.order(preferences.dateFormat))
     {
@@ -278,7 +327,7 @@ void formatTime(char* buf, const char* format, const SystemTime& time, TimePrefe
         case '-':
         case '.':
         case '/':
-            *buf++ = (options & CTime::formatKeepSeparator) != 0 ? letter : preferences.separator;
+            *buf++ = keepSeparator ? letter : preferences.separator;
             ++at;
             break;
         default:
@@ -317,9 +366,10 @@ bool CTime::parse(const char* buf, const char* format, int)
         ORTHA_LOG(levelError, "this:%p CTime parser input information is not enough.\n", self);
         return fail();
     }
-    const Letters letters(format);
+    const bool plain = isPlainTemplate(format);
+    const Letters letters(plain ? "" : format);
     DateFormat dateFormat{};
-    if (letters.order(dateFormat))
+    if (plain || letters.order(dateFormat))
     {
         const bool yearFirst = dateFormat == dateFormatYMD;
         year = numbers[yearFirst ? 0 : 2];
@@ -434,13 +484,7 @@ void CTime::convertUTCtoTZ(unsigned long long utcSec, char* buf, int len, bool a
         return;
     }
     const CTime time(utcSec, false);
-    buf = write(write(buf, time.year / 100, 2), time.year % 100, 2);
-    const std::pair<char, int> rest[] = {{'-', time.month}, {'-', time.day}, {'T', time.hour}, {':', time.minute}, {':', time.second}};
-    for (const auto& [separator, number] : rest)
-    {
-        *buf++ = separator;
-        buf = write(buf, number, 2);
-    }
+    buf = writeFixed(buf, time, 'T');
     *buf++ = 'Z';
     *buf = 0;
 }

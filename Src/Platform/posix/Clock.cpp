@@ -94,7 +94,11 @@ std::int64_t zoneOffset()
 std::uint64_t counter()
 {
     ClockSource* source = s_source.load(std::memory_order_acquire);
-    return source ? source->counter() : static_cast<std::uint64_t>(read(CLOCK_MONOTONIC));
+    if (source) [[unlikely]]
+    {
+        return source->counter();
+    }
+    return static_cast<std::uint64_t>(read(CLOCK_MONOTONIC));
 }
 
 std::uint64_t counterFrequency()
