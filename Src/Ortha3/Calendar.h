@@ -7,6 +7,7 @@
 
 #include "ortha/ortha3/Time.h"
 
+// The calls in here are qualified: an unqualified one would also find functions beside the record.
 namespace General::Ortha::Calendar {
 
 constexpr int firstYear = 1970;
@@ -98,14 +99,14 @@ constexpr std::int64_t secondsOf(const Time& time)
 template <class Time>
 constexpr std::int64_t toSeconds(const Time& time)
 {
-    if (isPlain(time))
+    if (Calendar::isPlain(time))
     {
-        return secondsOf(time);
+        return Calendar::secondsOf(time);
     }
     Time held = time;
-    clampDate(held);
-    clampTime(held);
-    return secondsOf(held);
+    Calendar::clampDate(held);
+    Calendar::clampTime(held);
+    return Calendar::secondsOf(held);
 }
 
 /// Fills date, time of day and weekday from seconds since 1970-01-01 00:00:00, held to the calendar.
@@ -138,17 +139,18 @@ constexpr void split(std::int64_t seconds, Time& time)
 template <class Time>
 constexpr void normalise(Time& time)
 {
-    clampDate(time);
+    Calendar::clampDate(time);
     time.wday = weekday(daysOf(time.year, time.month, time.day));
-    clampTime(time);
+    Calendar::clampTime(time);
 }
 
 /// The time so many milliseconds later, of the same `dst`.
 constexpr SystemTimeEx addMilliSeconds(const SystemTimeEx& time, std::int64_t milliSeconds)
 {
-    const std::int64_t sum = std::clamp<std::int64_t>(toSeconds(time) * 1000 + time.milliSecond + milliSeconds, 0, lastSecond * 1000 + 999);
+    const std::int64_t sum =
+        std::clamp<std::int64_t>(Calendar::toSeconds(time) * 1000 + time.milliSecond + milliSeconds, 0, lastSecond * 1000 + 999);
     SystemTimeEx later;
-    split(sum / 1000, later);
+    Calendar::split(sum / 1000, later);
     later.milliSecond = static_cast<std::int32_t>(sum % 1000);
     later.dst = time.dst;
     return later;

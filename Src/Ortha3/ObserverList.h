@@ -14,9 +14,13 @@ template <class Function>
 class ObserverList
 {
 public:
-    /// False if there is no memory.
+    /// An empty function is none. False if there is no memory.
     bool add(const Function& function)
     {
+        if (function.empty())
+        {
+            return true;
+        }
         CGuard guard(m_mutex);
         try
         {
@@ -42,10 +46,7 @@ public:
         }
         for (const Function& function : *functions)
         {
-            if (!function.empty())
-            {
-                function(args...);
-            }
+            function(args...);
         }
         return true;
     }

@@ -98,12 +98,13 @@ long long CTime::operator-(const CTime& time) const noexcept
 
 CTime& CTime::operator+=(long long seconds) noexcept
 {
-    return *this = *this + seconds;
+    Calendar::split(Calendar::toSeconds<SystemTime>(*this) + held(seconds), *this);
+    return *this;
 }
 
 CTime& CTime::operator-=(long long seconds) noexcept
 {
-    return *this = *this - seconds;
+    return *this += -held(seconds);
 }
 
 bool CTime::operator==(const CTime& time) const noexcept

@@ -133,6 +133,14 @@ char* writeFixed(char* to, const SystemTime& time, char separator)
     return to + 19;
 }
 
+// Whether a time's fields have no more digits than the plain template shows.
+bool fitsPlainTemplate(const SystemTime& time)
+{
+    const auto below = [](std::int32_t value, std::uint32_t end) { return static_cast<std::uint32_t>(value) < end; };
+    return below(time.year, 10000) && below(time.month, 100) && below(time.day, 100) && below(time.hour, 100) && below(time.minute, 100) &&
+           below(time.second, 100);
+}
+
 constexpr int dateFieldSize = 4;
 
 // Writes a date field, cut to its size.
@@ -217,6 +225,9 @@ Settings& settings()
     return s_settings;
 }
 
+// So that writing a time never needs memory.
+[[maybe_unused]] const Settings& s_settingsMadeEarly = settings();
+
 }  // namespace
 
 TimePreferences preferencesOf(const char* format, ReportFormatFault reportFault)
@@ -237,21 +248,13 @@ TimePreferences preferencesOf(const char* format, ReportFormatFault reportFault)
     return preferences;
 }
 
-// Whether a time's fields have no more digits than the plain template shows.
-bool isPlain(const SystemTime& time)
-{
-    const auto below = [](std::int32_t value, std::uint32_t end) { return static_cast<std::uint32_t>(value) < end; };
-    return below(time.year, 10000) && below(time.month, 100) && below(time.day, 100) && below(time.hour, 100) && below(time.minute, 100) &&
-           below(time.second, 100);
-}
-
 void formatTime(char* buf, const char* format, const SystemTime& time, TimePreferences preferences, int options,
                 ReportFormatFault reportFault)
 {
     const bool keepSeparator = (options & CTime::formatKeepSeparator) != 0;
     if (isPlainTemplate(format) && (keepSeparator || preferences.separator == '-') &&
         ((options & CTime::formatDateOrder) != 0 || preferences.dateFormat == CTime::dateFormatYMD) &&
-        ((options & CTime::formatHourStyle) != 0 || !preferences.twelveHour) && isPlain(time))
+        ((options & CTime::formatHourStyle) != 0 || !preferences.twelveHour) && fitsPlainTemplate(time))
     {
         *writeFixed(buf, time, ' ') = 0;
         return;

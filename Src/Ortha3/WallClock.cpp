@@ -1,6 +1,5 @@
 #include "Src/Ortha3/WallClock.h"
 
-#include <algorithm>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -132,34 +131,37 @@ int CTime::getDst()
 
 unsigned long long CTime::makeUTC(unsigned long long local, const int* offset)
 {
-    const auto result = [](std::int64_t utc) {
-        if (utc < 0)
+    // The sums are those of unsigned numbers, and what is beyond the signed ones counts as before 1970.
+    const auto result = [](std::uint64_t utc) -> unsigned long long {
+        if (static_cast<std::int64_t>(utc) < 0)
         {
             ORTHA_LOG(levelError, "invalid local time!\n");
+            return 0;
         }
-        return static_cast<unsigned long long>(std::max<std::int64_t>(utc, 0));
+        return utc;
     };
-    auto utc = static_cast<std::int64_t>(local);
+    const auto less = [](std::uint64_t time, int seconds) { return time - static_cast<std::uint64_t>(std::int64_t{seconds}); };
     if (offset)
     {
-        return result(utc - *offset);
+        return result(less(local, *offset));
     }
+    std::uint64_t utc = local;
     if (int zone = 0; getTimeZone(&zone))
     {
-        utc -= zone;
+        utc = less(utc, zone);
     }
     else
     {
         ORTHA_LOG(levelDebug, "the time zone is not set.\n");
     }
     const std::int32_t dst = zoneView.dst;
-    if (utc >= 0 && dst == ZoneView::unsetDst)
+    if (static_cast<std::int64_t>(utc) >= 0 && dst == ZoneView::unsetDst)
     {
         ORTHA_LOG(levelDebug, "the dst manager is not set.\n");
     }
-    else if (dst != 0)
+    else if (static_cast<std::int64_t>(utc) >= 0 && dst != 0)
     {
-        utc -= dstSeconds;
+        utc = less(utc, dstSeconds);
     }
     return result(utc);
 }

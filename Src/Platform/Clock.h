@@ -35,7 +35,8 @@ public:
 /// Replaces the system's clocks, or brings them back with null. The source must stay until then. Start-up.
 void setClockSource(ClockSource* source);
 
-/// The wall clock in the system's time zone. Reads the clock once. A change of zone is seen within a second.
+/// The wall clock in the system's time zone. Reads the clock once. The zone is the one that the C runtime has read; where it
+/// reads another one (tzset), that is seen within a second.
 CalendarTime localTime();
 /// The wall clock: nanoseconds since 1970-01-01 00:00:00 UTC.
 std::int64_t wallNanoseconds();

@@ -164,9 +164,9 @@ public:
     static char getSeparator();
     static bool get12Hour();
 
-    /// Reads "2024-05-01T20:00:00+08:00", or "...Z" for UTC, into seconds since 1970 in UTC: six numbers, or eight with a sign before the last two,
-    /// whatever else stands between them. False, with an error line and `*utcSec` 0, for another count, an offset outside -12:00 to +14:00, or a null
-    /// pointer.
+    /// Reads "2024-05-01T20:00:00+08:00", or "...Z" for UTC, into seconds since 1970 in UTC: six numbers, or eight if there is a "+" or "-" anywhere between
+    /// them, of which the last is the sign of the offset. False, with an error line and `*utcSec` 0, for another count, an offset outside -12:00 to +14:00,
+    /// or a null pointer.
     static bool convertTZtoUTC(const char* buf, unsigned long long* utcSec);
     /// Writes "2024-05-01T12:00:00Z" into `buf`, whose `len` must be at least 21; writes nothing, with an error line, if it is less, `buf` is null,
     /// or `addOffset` is set, which there is no support for.
