@@ -81,7 +81,8 @@ bool DstManager::startTimer(const DstConfigInfo& start, const DstConfigInfo& end
         ORTHA_LOG(levelError, "invalid dst config, start time: %s, end time: %s\n", startText.text, endText.text);
         return false;
     }
-    if (!m_timer.start(TFunction1<void, unsigned long>(&DstManager::onDstTimer, this), 0, 1000, 0, 60000))
+    // A first call that no thread is free for yet is no failure: the timer is armed.
+    if (!m_timer.start(TFunction1<void, unsigned long>(&DstManager::onDstTimer, this), 0, 1000, 0, 60000) && !m_timer.isStarted())
     {
         ORTHA_LOG(levelError, "timer start failed!\n");
         return false;
@@ -243,19 +244,20 @@ std::optional<SystemTimeEx> DstManager::checkAdjustTime()
         ORTHA_LOG(levelInfo, "dst manager paused, exit.\n");
         return std::nullopt;
     }
-    const SystemTimeEx now = CTime::getCurrentTimeEx();
+    const SystemTimeEx clock = CTime::getCurrentTimeEx();
+    const CTime now = Calendar::timeOf(clock);
     if (!prepareTime(now.year))
     {
         ORTHA_LOG(levelError, "invalid dst config!\n");
         return std::nullopt;
     }
     const bool inDst = zoneView.dst == 1;
-    if (!isChangeDue(Calendar::timeOf(now), inDst))
+    if (!isChangeDue(now, inDst))
     {
         return std::nullopt;
     }
     // The target holds the seconds by which the change is ahead. Most of them pass here; the target's second is then begun.
-    SystemTimeEx target = Calendar::addMilliSeconds(now, ((inDst ? -dstSeconds : dstSeconds) + aheadSeconds) * 1000);
+    SystemTimeEx target = Calendar::addMilliSeconds(clock, ((inDst ? -dstSeconds : dstSeconds) + aheadSeconds) * 1000);
     target.dst = inDst ? 0 : 1;
     if (target.milliSecond < settleMilliSeconds)
     {
@@ -267,6 +269,9 @@ std::optional<SystemTimeEx> DstManager::checkAdjustTime()
 
 bool DstManager::setTime(const SystemTimeEx& time)
 {
+    // This thread's last error may be that of an earlier try, and would make a failure of this one: the clock would be moved, the flag would stay, and the
+    // next check would move the clock once more.
+    setLastError(0);
     CTime::setModifyTimeClientInfo({"DstManager", "127.0.0.1", "local"});
     if (!Ortha_setCurrentTimeInternal(time, 0))
     {
@@ -283,8 +288,6 @@ void DstManager::onDstTimer(unsigned long)
     {
         return;
     }
-    // This thread's last error may be that of an earlier try, which would make a failure of this one, and the clock would be moved once more.
-    setLastError(0);
     if (setTime(*target))
     {
         ORTHA_LOG(levelInfo, "change dst, dst flag is %d.\n", target->dst);

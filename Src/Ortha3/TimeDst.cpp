@@ -31,9 +31,9 @@ RealUTC& realUTC()
 }
 
 // Whether daylight saving is in force at a local time, in seconds, to which no hour has been added yet.
-std::int32_t isLocalTimeInDst(std::int64_t seconds)
+std::int32_t isLocalTimeInDst(unsigned long long seconds)
 {
-    const CTime time(static_cast<unsigned long long>(seconds), false);
+    const CTime time(seconds, false);
     CTime start;
     CTime end;
     if (!DstManager::instance()->getDstConfig(start, end, time.year))
@@ -115,27 +115,27 @@ void CTime::makeLocal(unsigned long long utc, unsigned long long* local, int* of
     }
     *local = utc;
     *offset = 0;
-    auto seconds = static_cast<std::int64_t>(utc);
     if (int zone = 0; getTimeZone(&zone))
     {
-        seconds += zone;
-        if (seconds < 0)
+        // The sum is that of unsigned numbers, and what is beyond the signed ones counts as before 1970.
+        const unsigned long long sum = utc + static_cast<unsigned long long>(std::int64_t{zone});
+        if (static_cast<std::int64_t>(sum) < 0)
         {
             ORTHA_LOG(levelError, "invalid local time!\n");
             return;
         }
+        *local = sum;
         *offset = zone;
     }
     else
     {
         ORTHA_LOG(levelWarn, "the time zone is not set.\n");
     }
-    if (isLocalTimeInDst(seconds) == 1)
+    if (isLocalTimeInDst(*local) == 1)
     {
-        seconds += dstSeconds;
+        *local += dstSeconds;
         *offset += dstSeconds;
     }
-    *local = static_cast<unsigned long long>(seconds);
     if (*local > timeToSeconds(maxTime))
     {
         *local = timeToSeconds(maxTime);
@@ -169,7 +169,7 @@ bool CTime::setCurrentRealUTC(unsigned long long utc, int tolerance)
     {
         ORTHA_LOG(levelWarn, "the time zone is not set.\n");
     }
-    const std::int32_t inDst = isLocalTimeInDst(seconds);
+    const std::int32_t inDst = isLocalTimeInDst(static_cast<unsigned long long>(seconds));
     seconds += inDst == 1 ? dstSeconds : 0;
     SystemTimeEx record;
     Calendar::split(seconds, record);

@@ -267,7 +267,7 @@ public:
     /// Turns daylight saving on, or replaces its rules: at `start` the clock goes forward by an hour and the flag becomes 1, at `end` it goes back and the flag
     /// becomes 0. `end` may lie before `start` in the year (the southern half of the world), but not within an hour after it. A clock that is moved by
     /// others is looked at once a second and put right. False, with an error line, if a rule is impossible. With `enable` false turns it off; a clock
-    /// in daylight-saving time goes back by an hour. Waits for a check that is running, at most 1.2 seconds. Any thread.
+    /// in daylight-saving time goes back by an hour. Waits for a check that is running, at most 1.2 seconds. One thread at a time.
     static bool setDstConfig(const DstConfigInfo& start, const DstConfigInfo& end, bool enable);
     /// The two dates of the rules in `year`, `start` in standard time and `end` in daylight-saving time. False while daylight saving is off. Any
     /// thread; can wait as setDstConfig() does.
@@ -280,7 +280,8 @@ public:
     static void makeLocal(unsigned long long utc, unsigned long long* local, int* offset);
     /// Sets the clock, and the flag, from a UTC in milliseconds, with the tolerance of setCurrentTime(). The daylight-saving check pauses meanwhile.
     /// False if it was forbidden or failed as in setCurrentTimeEx(), or the local time would be before 1970. With a hook: asks the verify hook, calls
-    /// it, and is true.
+    /// it, and is true. One thread at a time; without a hook not from an observer or the conversion callback: it waits for the check that may be calling
+    /// them.
     static bool setCurrentRealUTC(unsigned long long utc, int tolerance);
     /// Adds an observer of setCurrentRealUTC() with a hook: old and new UTC in milliseconds. Always true. Any thread.
     static bool attachModifyRealUTCProc(ModifyRealUTCProc proc);
