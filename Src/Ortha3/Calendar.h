@@ -81,12 +81,12 @@ template <class Time>
 constexpr bool isPlain(const Time& time)
 {
     constexpr std::uint8_t lastDays[16] = {0, 31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const auto below = [](std::int32_t value, std::int32_t end) {
-        return static_cast<std::uint32_t>(value) < static_cast<std::uint32_t>(end);
+    const auto within = [](std::int32_t value, std::uint32_t first, std::uint32_t last) {
+        return static_cast<std::uint32_t>(value) - first <= last - first ? 1u : 0u;
     };
     // One condition and not six: what a caller's times fail by cannot be foreseen.
-    return (below(time.year - firstYear, lastYear - firstYear + 1) & below(time.month - 1, 12) &
-            below(time.day - 1, lastDays[time.month & 15]) & below(time.hour, 24) & below(time.minute, 60) & below(time.second, 60)) != 0;
+    return (within(time.year, firstYear, lastYear) & within(time.month, 1, 12) & within(time.day, 1, lastDays[time.month & 15]) &
+            within(time.hour, 0, 23) & within(time.minute, 0, 59) & within(time.second, 0, 59)) != 0;
 }
 
 template <class Time>
