@@ -98,7 +98,7 @@ TEST(CalendarTime, TheRuntimesZoneStandsBetweenFieldsAndSecondsUntilItIsDisabled
     const auto inZone = [](const std::string& zone) {
         return runInChild([&] {
                    setenv("TZ", zone == "off" ? "EAST-1" : zone.c_str(), 1);
-                   const CTime july((zone == "off" ? CTime::disableTimezone() : 0) + 1720000000, false);
+                   const CTime july(1720000000ull + (zone == "off" ? static_cast<unsigned int>(CTime::disableTimezone()) : 0u), false);
                    std::printf("%ld %llu %llu ", CTime::getTimeZone(), CTime().makeTime(), july.makeTime());
                    std::printf("%s %s ", text(CTime(0)).c_str(), text(CTime(1ull << 63)).c_str());
                    std::printf("%s %s", text(CTime(3601, true)).c_str(), text(CTime(1720000000)).c_str());
