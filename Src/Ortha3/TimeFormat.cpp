@@ -171,7 +171,7 @@ char* writeDay(char* to, int number, unsigned int letters)
     return number >= 0 && number <= 99 ? write(to, number, one ? 1 : 2) : writeDateField(to, one ? "%d" : "%02d", number);
 }
 
-// Skips the run of a letter, or of either of two; whether it is longer than one.
+// Skips the run of a letter, or of either of two.
 const char* skipRun(const char* at, char letter, char other)
 {
     while (*at == letter || *at == other)
