@@ -70,6 +70,12 @@ void fill(FileInfo& info, const Platform::FoundFile& found)
 
 }  // namespace
 
+FileDefaultOpt* FileDefaultOpt::instance()
+{
+    static FileDefaultOpt* const s_instance = new FileDefaultOpt;
+    return s_instance;
+}
+
 void* FileDefaultOpt::open(const char* path, PathForm form, const char* mode, Failure failure)
 {
     ORTHA_ASSERT(mode != NULL);
@@ -412,6 +418,12 @@ bool isUsable(const char* path, const char* message)
 constexpr const char* unusablePath = "trans char to wchar failed!";
 
 }  // namespace
+
+FileDefaultOptUTF8toWchar* FileDefaultOptUTF8toWchar::instance()
+{
+    static FileDefaultOptUTF8toWchar* const s_instance = new FileDefaultOptUTF8toWchar;
+    return s_instance;
+}
 
 void* FileDefaultOptUTF8toWchar::fopen(const char* path, const char* mode)
 {

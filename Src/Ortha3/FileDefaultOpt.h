@@ -6,7 +6,6 @@
 #include "ortha/ortha3/FileSystem.h"
 #include "ortha/ortha3/Mutex.h"
 
-#include "Src/Ortha3/Singleton.h"
 #include "Src/Platform/FileApi.h"
 
 namespace General::Ortha {
@@ -18,7 +17,8 @@ IFileSystem* getFileSystem(const char* path);
 class FileDefaultOpt : public IFileSystem
 {
 public:
-    static FileDefaultOpt* instance() { return Singleton<FileDefaultOpt>::instance(); }
+    /// Never destroyed: files are closed until the very end.
+    static FileDefaultOpt* instance();
 
     void* fopen(const char* path, const char* mode) override;
     int fclose(void* stream) override;
@@ -44,7 +44,6 @@ public:
     long long ftell64(void* stream) override;
 
 protected:
-    friend class Singleton<FileDefaultOpt>;
     FileDefaultOpt() = default;
 
     // Both forms of paths share these. A failure is logged where the native form does so.
@@ -70,7 +69,7 @@ private:
 class FileDefaultOptUTF8toWchar : public FileDefaultOpt
 {
 public:
-    static FileDefaultOptUTF8toWchar* instance() { return Singleton<FileDefaultOptUTF8toWchar>::instance(); }
+    static FileDefaultOptUTF8toWchar* instance();
 
     void* fopen(const char* path, const char* mode) override;
     int rename(const char* oldName, const char* newName) override;
@@ -82,7 +81,6 @@ public:
     int stat(const char* path, FileInfo& info) override;
 
 private:
-    friend class Singleton<FileDefaultOptUTF8toWchar>;
     FileDefaultOptUTF8toWchar() = default;
 };
 
