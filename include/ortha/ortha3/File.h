@@ -111,6 +111,13 @@ public:
     /// `mode` as in IFileSystem.
     static bool access(const char* path, int mode);
     static bool stat(const char* path, FileInfo& info);
+    /// Makes a directory with all that lead to it; the separator is "/". False, with a log line, if that is not possible, and false for one that is
+    /// there already.
+    static bool makeDirectoryRecursively(const char* path);
+    /// Removes all that is in a directory, and with `removeSelf` the directory; `path` may end in "/" or "/*". A symbolic link is removed, not what
+    /// it points at. What cannot be removed stays, and the walk goes on; the result is that of removing the directory itself. False, with a warning,
+    /// if it does not exist or its path is longer than 1021 characters.
+    static bool removeDirectoryRecursively(const char* path, bool removeSelf);
     /// Always false.
     static bool changeFileFlags(const char* path, bool set, unsigned int flags);
 
