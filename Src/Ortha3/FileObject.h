@@ -119,21 +119,13 @@ public:
         {
             return -1;
         }
-        auto* const bytes = static_cast<unsigned char*>(buffer);
-        std::uint64_t total = 0;
-        do
-        {
-            const std::uint64_t expected = std::min<std::uint64_t>(size - total, INT64_MAX);
-            const std::uint64_t count = m_opt->fread(bytes + total, 1, expected, m_file);
-            total += count;
-            if (Kind::persistent && count == 0 && expected != 0)
-            {
+        const std::uint64_t total = transfer(
+            size,
+            [&](std::uint64_t done, std::uint64_t count) { return m_opt->fread(static_cast<char*>(buffer) + done, 1, count, m_file); },
+            [&](std::uint64_t done, std::uint64_t expected) {
                 ::logWarn("this:%p fread get error, total:%lld has read:%lld, expected:%llu return actuallen:%llu\n", self,
-                          static_cast<long long>(size), static_cast<long long>(total), static_cast<unsigned long long>(expected),
-                          static_cast<unsigned long long>(count));
-                break;
-            }
-        } while (Kind::persistent && total < size);
+                          static_cast<long long>(size), static_cast<long long>(done), static_cast<unsigned long long>(expected), 0ull);
+            });
         m_position = static_cast<Position>(m_position + static_cast<Position>(total));
         return static_cast<std::int64_t>(total);
     }
@@ -144,21 +136,15 @@ public:
         {
             return -1;
         }
-        const auto* const bytes = static_cast<const unsigned char*>(buffer);
-        std::uint64_t total = 0;
-        do
-        {
-            const std::uint64_t expected = std::min<std::uint64_t>(size - total, INT64_MAX);
-            const std::uint64_t count = m_opt->fwrite(bytes + total, 1, expected, m_file);
-            total += count;
-            if (Kind::persistent && count == 0 && expected != 0)
-            {
+        const std::uint64_t total = transfer(
+            size,
+            [&](std::uint64_t done, std::uint64_t count) {
+                return m_opt->fwrite(static_cast<const char*>(buffer) + done, 1, count, m_file);
+            },
+            [&](std::uint64_t done, std::uint64_t expected) {
                 ::logWarn("this:%p fwrite get error, total:%lld has write:%lld, expected:%llu return actuallen:%llu, \n", self,
-                          static_cast<long long>(size), static_cast<long long>(total), static_cast<unsigned long long>(expected),
-                          static_cast<unsigned long long>(count));
-                break;
-            }
-        } while (Kind::persistent && total < size);
+                          static_cast<long long>(size), static_cast<long long>(done), static_cast<unsigned long long>(expected), 0ull);
+            });
         if (!Kind::persistent && total < size)
         {
             ::logWarn("fwrite failed, expected:%llu, actual:%llu\n", static_cast<unsigned long long>(size),
@@ -300,6 +286,25 @@ private:
         std::strcat(mode, (flags & FileFlags::modeNoInherit) != 0 ? "e" : "");
         std::strcat(mode, Kind::direct && (flags & FileFlags::modeDirect) != 0 ? "d" : "");
         return true;
+    }
+
+    // Has `step` move bytes, once or until all are moved; `stuck` is told of a step that moved none. The bytes moved.
+    template <class Step, class Stuck>
+    static std::uint64_t transfer(std::uint64_t size, Step step, Stuck stuck)
+    {
+        std::uint64_t total = 0;
+        do
+        {
+            const std::uint64_t expected = std::min<std::uint64_t>(size - total, INT64_MAX);
+            const std::uint64_t count = step(total, expected);
+            total += count;
+            if (Kind::persistent && count == 0 && expected != 0)
+            {
+                stuck(total, expected);
+                break;
+            }
+        } while (Kind::persistent && total < size);
+        return total;
     }
 
     // A stream of a hooked file system is nothing that the C runtime knows.

@@ -22,16 +22,6 @@ struct Directories : testing::Test
 {
     Directories() { EXPECT_EQ(chdir((scratch / "").c_str()), 0); }
 
-    // The lines since the last call, from their texts on.
-    std::string told()
-    {
-        std::string all;
-        for (const std::string& line : lines.take())
-        {
-            all += line.substr(line.find(']') + 1);
-        }
-        return all;
-    }
     static bool exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
 
     ScratchDirectory scratch;
@@ -65,9 +55,9 @@ TEST_F(Directories, ASearchGivesPathsAsItsPatternHasThemAndEndsTheOneBefore)
     EXPECT_TRUE(find.findFile("d/a.txt") && find.getLength() == 4 && find.isNormal() && find.getFileName() == "a.txt");
     EXPECT_TRUE(find.findFile("d") && find.isDirectory() && !find.isNormal() && !find.findNextFile());
     find.close();
-    EXPECT_TRUE(!find.findNextFile() && told().empty());
+    EXPECT_TRUE(!find.findNextFile() && lines.bare().empty());
     EXPECT_FALSE(find.findFile("missing/*"));
-    EXPECT_NE(told().find("_findfirst failed, errno:2"), std::string::npos);
+    EXPECT_NE(lines.bare().find("_findfirst failed, errno:2"), std::string::npos);
 }
 
 TEST_F(Directories, AreMadeAndRemovedWithAllThatIsInThemButNotWhatALinkPointsAt)
@@ -77,13 +67,13 @@ TEST_F(Directories, AreMadeAndRemovedWithAllThatIsInThemButNotWhatALinkPointsAt)
         EXPECT_TRUE(CFile::makeDirectoryRecursively(path)) << path;
         EXPECT_TRUE(exists(path) && !CFile::makeDirectoryRecursively(path)) << path;
     }
-    EXPECT_EQ(told(), "");
+    EXPECT_EQ(lines.bare(), "");
     mkdir("kept", 0777);
     std::ofstream("kept/file") << "kept";
     std::ofstream("a/file") << "";
     EXPECT_FALSE(CFile::makeDirectoryRecursively("a/file/g/h"));
-    EXPECT_TRUE(told().find("make directory failed.") != std::string::npos && !CFile::makeDirectoryRecursively(""));
-    EXPECT_EQ(told(), "the path is unvalid");
+    EXPECT_TRUE(lines.bare().find("make directory failed.") != std::string::npos && !CFile::makeDirectoryRecursively(""));
+    EXPECT_EQ(lines.bare(), "the path is unvalid");
     for (const auto& [path, removeSelf] : {std::pair("a", false), std::pair("a/", true), std::pair("a/*", true), std::pair("a", true)})
     {
         CFile::makeDirectoryRecursively("a/b/c");
@@ -92,11 +82,11 @@ TEST_F(Directories, AreMadeAndRemovedWithAllThatIsInThemButNotWhatALinkPointsAt)
         EXPECT_TRUE(CFile::removeDirectoryRecursively(path, removeSelf)) << path;
         EXPECT_TRUE(exists("a") != removeSelf && !exists("a/b") && exists("kept/file")) << path;
     }
-    EXPECT_EQ(told(), "");
+    EXPECT_EQ(lines.bare(), "");
     EXPECT_FALSE(CFile::removeDirectoryRecursively("a", true));
-    EXPECT_NE(told().find("the path does not exist"), std::string::npos);
+    EXPECT_NE(lines.bare().find("the path does not exist"), std::string::npos);
     EXPECT_FALSE(CFile::removeDirectoryRecursively(("kept/" + std::string(1020, '/')).c_str(), true));
-    EXPECT_TRUE(told() == "the path is unvalid" && exists("kept/file"));
+    EXPECT_TRUE(lines.bare() == "the path is unvalid" && exists("kept/file"));
 }
 
 }  // namespace

@@ -18,18 +18,6 @@ namespace {
 
 using namespace Test;
 
-// The lines since the last call, each from its text on.
-std::string told(LogLines& lines)
-{
-    std::string all;
-    for (const std::string& line : lines.take())
-    {
-        const std::string text = line.substr(line.find(']') + 1);
-        all += text.rfind("this:", 0) == 0 ? text.substr(text.find(' ') + 1) : text;
-    }
-    return all;
-}
-
 struct DefaultFiles : testing::Test
 {
     std::set<std::string> found(const std::string& pattern)
@@ -78,7 +66,7 @@ TEST_F(DefaultFiles, AStreamIsOpenedAsItsModeTells)
     const std::string path = scratch / "file";
     EXPECT_EQ(files.fopen(path.c_str(), "rb"), nullptr);
     EXPECT_EQ(files.fopen((scratch / "").c_str(), "rb"), nullptr);
-    EXPECT_EQ(told(lines),
+    EXPECT_EQ(lines.bare(),
               "_open get error, errno:2, errmsg:No such file or directory\n_open get error, errno:21, errmsg:Is a directory\n");
     const auto write = [&](const char* mode, const char* text) {
         void* const stream = files.fopen(path.c_str(), mode);
@@ -99,11 +87,11 @@ TEST_F(DefaultFiles, AStreamIsOpenedAsItsModeTells)
     EXPECT_EQ(status.st_mode & 0777, 0600u);
     void* const stream = files.fopen(path.c_str(), "rb");
     EXPECT_EQ(files.fwrite("x", 1, 1, stream), 0u);
-    EXPECT_EQ(told(lines), "fwrite failed, expected:1, actual:0, errno:9, errmsg:Bad file descriptor\n");
+    EXPECT_EQ(lines.bare(), "fwrite failed, expected:1, actual:0, errno:9, errmsg:Bad file descriptor\n");
     char text[8];
     EXPECT_TRUE(files.fseek64(stream, 1, 0) == 0 && files.fread(text, 1, 8, stream) == 2 && files.ftell64(stream) == 3);
     files.fclose(stream);
-    EXPECT_EQ(told(lines), "");
+    EXPECT_EQ(lines.bare(), "");
 }
 
 TEST_F(DefaultFiles, FailuresLeaveTheirLineUnlessTheyAreExpected)
@@ -113,21 +101,21 @@ TEST_F(DefaultFiles, FailuresLeaveTheirLineUnlessTheyAreExpected)
     FileInfo info;
     EXPECT_TRUE(files.mkdir(folder.c_str()) == 0 && files.mkdir(folder.c_str()) == -1 && files.remove(missing.c_str()) == -1);
     EXPECT_TRUE(utf8.rmdir(missing.c_str()) == -1 && utf8.stat(missing.c_str(), info) == -1 && utf8.access(missing.c_str(), 0) == -1);
-    EXPECT_EQ(told(lines), "");
+    EXPECT_EQ(lines.bare(), "");
     EXPECT_EQ(files.remove(folder.c_str()), -1);
     EXPECT_EQ(files.rmdir(missing.c_str()), -1);
     EXPECT_EQ(files.stat(missing.c_str(), info), -1);
     EXPECT_EQ(utf8.rename(missing.c_str(), folder.c_str()), -1);
-    EXPECT_EQ(told(lines),
+    EXPECT_EQ(lines.bare(),
               "remove failed, errno:21, errmsg:Is a directory\nrmdir failed, errno:2, errmsg:No such file or directory\n"
               "stat failed, errno:2, errmsg:No such file or directory\nrename failed, errno:2, errmsg:No such file or directory\n");
     for (const char* const path : {"\x80", "a\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE2\x82"})
     {
         EXPECT_EQ(utf8.mkdir(path), -1);
-        EXPECT_EQ(told(lines), "get wide char bytes error!\ntrans char to wchar failed!");
+        EXPECT_EQ(lines.bare(), "get wide char bytes error!\ntrans char to wchar failed!");
     }
     EXPECT_TRUE(utf8.fopen("", "rb") == nullptr && utf8.mkdir((scratch / "\xE2\x82\xAC").c_str()) == 0);
-    EXPECT_EQ(told(lines), "trans char to wchar failed!");
+    EXPECT_EQ(lines.bare(), "trans char to wchar failed!");
     unsigned long long caller = 0, total = 0, free = 0;
     EXPECT_TRUE(files.statfs(folder.c_str(), caller, total, free) == 0 && caller <= free && free <= total && total > 0);
 }
@@ -147,9 +135,9 @@ TEST_F(DefaultFiles, ASearchFindsWhatMatchesAndKeepsApartFromOthers)
     EXPECT_EQ(found(scratch / "*.*").size(), 9u);
     EXPECT_EQ(found(scratch / "").size(), 9u);
     EXPECT_EQ(found(scratch / "*o*d*"), Names{"folder"});
-    EXPECT_EQ(told(lines), "");
+    EXPECT_EQ(lines.bare(), "");
     EXPECT_TRUE(found(scratch / "none*").empty() && found("").empty());
-    EXPECT_EQ(told(lines), "_findfirst failed, errno:2, errmsg:No such file or directory\n");
+    EXPECT_EQ(lines.bare(), "_findfirst failed, errno:2, errmsg:No such file or directory\n");
 
     FileInfo info;
     chmod((scratch / "noext").c_str(), 0444);

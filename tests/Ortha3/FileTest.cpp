@@ -25,18 +25,6 @@ struct EitherFile : testing::Test
         std::ifstream stream(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(stream), {}};
     }
-    // The lines since the last call, from their texts on, addresses left out.
-    std::string told()
-    {
-        std::string all;
-        for (const std::string& line : lines.take())
-        {
-            const std::string text = line.substr(line.find(']') + 1);
-            all += text.rfind("this:", 0) == 0 ? text.substr(text.find(' ') + 1) : text;
-        }
-        return all;
-    }
-
     ScratchDirectory scratch;
     LogLines lines;
     File m_file;
@@ -82,9 +70,9 @@ TYPED_TEST(EitherFile, IsOpenedWithTheContentsLengthAndPositionThatItsFlagsTell)
             EXPECT_EQ(this->content(path), test.after) << test.flags;
         }
     }
-    this->told();
+    this->lines.bare();
     EXPECT_TRUE(this->m_file.open(path.c_str(), F::modeRead) && !this->m_file.open(path.c_str(), 3) && !this->m_file.isOpen());
-    EXPECT_EQ(this->told(), std::string(this->large ? "CLfsFile" : "CFile") + "::open() dwFlags:3 is invalid\n");
+    EXPECT_EQ(this->lines.bare(), std::string(this->large ? "CLfsFile" : "CFile") + "::open() dwFlags:3 is invalid\n");
 }
 
 TYPED_TEST(EitherFile, KeepsPositionAndLengthThroughWhatIsDoneToIt)
@@ -98,7 +86,7 @@ TYPED_TEST(EitherFile, KeepsPositionAndLengthThroughWhatIsDoneToIt)
                file.getLength() == static_cast<typename TestFixture::Count>(length);
     };
     EXPECT_TRUE(file.read(text, 1) == -1 && file.write(text, 1) == -1 && !file.gets(text, 5) && file.puts(text) == 0 && at(0, 0));
-    EXPECT_TRUE(file.seek(5, F::begin) == 0 && file.writev(nullptr, 0) == -1 && this->told().empty());
+    EXPECT_TRUE(file.seek(5, F::begin) == 0 && file.writev(nullptr, 0) == -1 && this->lines.bare().empty());
     ASSERT_TRUE(file.open(path.c_str(), F::modeReadWrite | F::modeCreate));
     EXPECT_TRUE(file.write(text, 13) == 13 && at(13, 13));
     EXPECT_TRUE(file.seek(2, F::begin) == 2 && file.seek(4, F::current) == 6 && file.seek(-3, F::end) == 10 && at(10, 13));
@@ -108,13 +96,13 @@ TYPED_TEST(EitherFile, KeepsPositionAndLengthThroughWhatIsDoneToIt)
     EXPECT_TRUE(file.seek(0, F::end) == 13 && file.puts("tail") == (this->large ? 1 : 4) && at(17, 17));
     file.flush();
     EXPECT_TRUE(at(17, 17) && file.seek(12, F::begin) == 12 && file.read(this->bytes, 5) == 5 && at(17, 17));
-    EXPECT_EQ(this->told(), "");
+    EXPECT_EQ(this->lines.bare(), "");
     EXPECT_EQ(file.read(this->bytes, 5), 0);
-    EXPECT_EQ(this->told(), this->large ? "fread get error, total:5 has read:0, expected:5 return actuallen:0\n" : "");
+    EXPECT_EQ(this->lines.bare(), this->large ? "fread get error, total:5 has read:0, expected:5 return actuallen:0\n" : "");
     EXPECT_TRUE(file.setvbuf(this->bytes, F::bufferFull, 64));
     file.close();
     EXPECT_FALSE(file.setvbuf(this->bytes, F::bufferFull, 64));
-    EXPECT_EQ(this->told(), "CFile::setvbuf failed, file has not been opened!\n");
+    EXPECT_EQ(this->lines.bare(), "CFile::setvbuf failed, file has not been opened!\n");
 }
 
 TYPED_TEST(EitherFile, LoadsAWholeFileAndKeepsItUntilItIsClosed)

@@ -25,7 +25,19 @@ public:
         return std::exchange(m_texts, {});
     }
 
-    /// The same, joined.
+    /// The same without headers and without the addresses of objects ("this:0x... "), joined.
+    std::string bare()
+    {
+        std::string all;
+        for (const std::string& line : take())
+        {
+            const std::string text = line.substr(line.find(']') + 1);
+            all += text.rfind("this:", 0) == 0 ? text.substr(text.find(' ') + 1) : text;
+        }
+        return all;
+    }
+
+    /// The texts, joined.
     std::string text()
     {
         const std::vector<std::string> texts = take();

@@ -16,8 +16,8 @@
 // Daylight saving: local time is UTC plus the zone of setTimeZone(), plus one hour while getDst() is 1, and it is the library that moves the machine's
 // clock by that hour, by the rules given to setDstConfig().
 //
-// Threads: objects one thread at a time. Reading clocks: any thread, at any moment, from static initialisation on, without a lock. Zone, formats and hooks
-// are settings for the whole process: start-up. What else holds is told with the operations.
+// Threads: objects one thread at a time. Reading clocks: any thread, at any moment, from static initialisation on, without a lock of the library.
+// Zone, formats and hooks are settings for the whole process: start-up. What else holds is told with the operations.
 #pragma once
 
 #include <cstdint>
