@@ -49,8 +49,6 @@ const Level& levelEntry(int level)
     return levels[level >= 0 && level < static_cast<int>(std::size(levels)) ? level : 0];
 }
 
-// The switches of this layer, in the order of PrintOptions.
-constexpr std::size_t optionCount = offsetof(PrintOptions, reserved);
 unsigned char s_options[optionCount] = {};
 
 std::atomic<bool> s_colorReset{true};
@@ -58,9 +56,7 @@ std::atomic<Platform::ConsoleColor> s_savedColor{0};  // 0 until a colour was se
 
 bool option(unsigned char PrintOptions::*field)
 {
-    static constexpr PrintOptions layout{};
-    const auto at = reinterpret_cast<const unsigned char*>(&(layout.*field)) - reinterpret_cast<const unsigned char*>(&layout);
-    return std::atomic_ref(s_options[at]).load(std::memory_order_relaxed) != 0;
+    return std::atomic_ref(s_options[optionIndex(field)]).load(std::memory_order_relaxed) != 0;
 }
 
 void setColor(int level)
@@ -256,15 +252,6 @@ const char* behindLastBackslash(const char* file)
 {
     const char* last = std::strrchr(file, '\\');
     return last ? last + 1 : file;
-}
-
-void setBaseOptions(const PrintOptions& options)
-{
-    const auto* bytes = reinterpret_cast<const unsigned char*>(&options);
-    for (std::size_t i = 0; i < optionCount; ++i)
-    {
-        std::atomic_ref(s_options[i]).store(bytes[i], std::memory_order_relaxed);
-    }
 }
 
 int formatLine(char (&buffer)[lineBufferSize], int level, const char* module, const char* file, const char* function, int line,

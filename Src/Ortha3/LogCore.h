@@ -4,8 +4,10 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
+#include <cstddef>
 
 #include "ortha/ortha3/CPrintLog.h"
+#include "ortha/ortha3/Error.h"
 #include "ortha/ortha3/PrintLog.h"
 
 namespace General::Ortha::Detail {
@@ -32,8 +34,15 @@ inline bool levelPasses(int level)
 /// What stands behind the last backslash, or the whole text.
 const char* behindLastBackslash(const char* file);
 
-/// Copies the switches to the base layer.
-void setBaseOptions(const PrintOptions& options);
+/// The switches of the base layer are those before `reserved`, one byte each in the order of PrintOptions.
+inline constexpr std::size_t optionCount = offsetof(PrintOptions, reserved);
+
+/// Where a switch stands in PrintOptions.
+inline std::size_t optionIndex(unsigned char PrintOptions::*field)
+{
+    static constexpr PrintOptions layout{};
+    return static_cast<std::size_t>(&(layout.*field) - reinterpret_cast<const unsigned char*>(&layout));
+}
 
 /// Header and message into `buffer`, always terminated, and whether the line is complete now. The length that the line would have without a limit.
 int formatLine(char (&buffer)[lineBufferSize], int level, const char* module, const char* file, const char* function, int line,
@@ -50,6 +59,19 @@ public:
 
 private:
     const int m_errno;
+};
+
+/// Puts the thread's last error back as it was: what callers' code does to it, in outlets and file systems, stays inside.
+class LastErrorKeeper
+{
+public:
+    LastErrorKeeper() : m_code(getLastError()) {}
+    ~LastErrorKeeper() { setLastError(m_code); }
+    LastErrorKeeper(const LastErrorKeeper&) = delete;
+    LastErrorKeeper& operator=(const LastErrorKeeper&) = delete;
+
+private:
+    const int m_code;
 };
 
 }  // namespace General::Ortha::Detail

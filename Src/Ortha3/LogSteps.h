@@ -15,7 +15,8 @@ extern std::atomic<bool> logStatisticsEnabled;
 /// Adds the length of a line to its module's total.
 void addLogStatistics(const char* module, int count);
 
-/// Writes a line to the log file. 0, or -1 if it was not saved; the log call succeeds all the same.
+/// Writes a line to the log file. 0, or -1 if it was not saved, which a line on standard output tells unless no path is set; the log call
+/// succeeds all the same.
 int saveLogLine(const char* text, unsigned int count, const LogTime& time);
 
 }  // namespace General::Ortha

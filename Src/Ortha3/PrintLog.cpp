@@ -29,12 +29,25 @@ using HookList = std::vector<Hook>;
 // Whatever a log call needs is never destroyed: threads may log while the process exits. A thread slot is made before the program begins, while the
 // system still has one.
 
+// Module and file of the calls that name none.
+constexpr const char* unknown = "Unknown";
+
 PrintOptions s_options;
 Printer s_printer;
 
 unsigned char readOption(const unsigned char& field)
 {
     return std::atomic_ref(const_cast<unsigned char&>(field)).load(std::memory_order_relaxed);
+}
+
+// In this layer, and in the base layer if it has the switch.
+void storeOption(std::size_t index, unsigned char value)
+{
+    std::atomic_ref(reinterpret_cast<unsigned char*>(&s_options)[index]).store(value, std::memory_order_relaxed);
+    if (index < optionCount)
+    {
+        std::atomic_ref(Ortha_getPrintOption()[index]).store(value, std::memory_order_relaxed);
+    }
 }
 
 struct Hooks
@@ -87,19 +100,6 @@ private:
 
 constinit thread_local bool ReentranceGuard::t_inside = false;
 
-// Callers' code runs in the outlets; what it does to the thread's last error stays inside.
-class LastErrorKeeper
-{
-public:
-    LastErrorKeeper() : m_code(getLastError()) {}
-    ~LastErrorKeeper() { setLastError(m_code); }
-    LastErrorKeeper(const LastErrorKeeper&) = delete;
-    LastErrorKeeper& operator=(const LastErrorKeeper&) = delete;
-
-private:
-    const int m_code;
-};
-
 void runHooks(const char* text)
 {
     std::shared_ptr<const HookList> tmpPrintProcList;
@@ -146,40 +146,24 @@ void dispatch(int level, const char* text)
     }
 }
 
-ORTHA_PRINTF(2, 0) int logShort(int level, const char* format, va_list args)
+// Whether a call goes on: its level and its module are on. No lock.
+inline bool passes(int level, const char* module)
 {
-    return logFilterEx(level, "Unknown", "Unknown", "", 0, "", format, args);
+    return levelPasses(level) && logModuleEnabled(module);
 }
 
-}  // namespace
-
-int logFilterEx(int level, const char* module, const char* file, const char* function, int line, const char* version, const char* format,
-                va_list args)
+ORTHA_PRINTF(7, 0)
+int logPassed(int level, const char* module, const char* file, const char* function, int line, const char* version, const char* format,
+              va_list args)
 {
-    if (!levelPasses(level))
-    {
-        return 0;
-    }
     const ErrnoKeeper errnoKeeper;
     const ReentranceGuard guard;
     if (guard.nested())
     {
-        if (logModuleEnabled(module))
-        {
-            std::vfprintf(stdout, format, args);
-        }
+        std::vfprintf(stdout, format, args);
         return 0;
     }
     const char* shownVersion = version && readOption(s_options.noVersion) == 0 ? version : "";
-    if (!logModuleEnabled(module))
-    {
-        return 0;
-    }
-    if (level > logLevel.load(std::memory_order_relaxed))
-    {
-        return 0;
-    }
-
     char buffer[lineBufferSize];
     LogTime time;
     int count = formatLine(buffer, level, module, behindLastBackslash(file), function, line, shownVersion, &time, format, args);
@@ -188,7 +172,7 @@ int logFilterEx(int level, const char* module, const char* file, const char* fun
     count = std::min(count, lineBufferSize);
     if (readOption(s_options.noSaveFile) == 0)
     {
-        saveLogLine(buffer, static_cast<unsigned int>(count), time);
+        saveLogLine(buffer, static_cast<unsigned int>(std::min(count, lineBufferSize - 1)), time);
     }
     if (logStatisticsEnabled.load(std::memory_order_relaxed))
     {
@@ -197,28 +181,41 @@ int logFilterEx(int level, const char* module, const char* file, const char* fun
     return count;
 }
 
+ORTHA_PRINTF(2, 0) int logShort(int level, const char* format, va_list args)
+{
+    return logPassed(level, unknown, unknown, "", 0, "", format, args);
+}
+
+}  // namespace
+
+int logFilterEx(int level, const char* module, const char* file, const char* function, int line, const char* version, const char* format,
+                va_list args)
+{
+    return passes(level, module) ? logPassed(level, module, file, function, line, version, format, args) : 0;
+}
+
 int logFilter(int level, const char* module, const char* file, const char* function, int line, const char* version, const char* format, ...)
 {
-    if (!levelPasses(level))
+    if (!passes(level, module))
     {
         return 0;
     }
     va_list args;
     va_start(args, format);
-    const int count = logFilterEx(level, module, file, function, line, version, format, args);
+    const int count = logPassed(level, module, file, function, line, version, format, args);
     va_end(args);
     return count;
 }
 
 int logLibName(int level, const char* module, const char* format, ...)
 {
-    if (level < levelFatal || level > levelDebug || !levelPasses(level))
+    if (level < levelFatal || level > levelDebug || !passes(level, module))
     {
         return 0;
     }
     va_list args;
     va_start(args, format);
-    const int count = logFilterEx(level, module, "Unknown", "", 0, "", format, args);
+    const int count = logPassed(level, module, unknown, "", 0, "", format, args);
     va_end(args);
     return count;
 }
@@ -236,12 +233,15 @@ int getPrintLogLevel()
 void setPrintOptions(PrintOptions options)
 {
     const auto* from = reinterpret_cast<const unsigned char*>(&options);
-    auto* to = reinterpret_cast<unsigned char*>(&s_options);
     for (std::size_t i = 0; i < sizeof(PrintOptions); ++i)
     {
-        std::atomic_ref(to[i]).store(from[i], std::memory_order_relaxed);
+        storeOption(i, from[i]);
     }
-    setBaseOptions(options);
+}
+
+void setPrintOption(unsigned char PrintOptions::*field, unsigned char value)
+{
+    storeOption(optionIndex(field), value);
 }
 
 int getPrintOptions(PrintOptions* options)
@@ -347,7 +347,7 @@ void dumpHex(unsigned char* data, std::size_t length)
 #define ORTHA_SHORT_LOG(name, level)                                       \
     int name(const char* format, ...)                                      \
     {                                                                      \
-        if (!::General::Ortha::Detail::levelPasses(level))                 \
+        if (!::General::Ortha::passes(level, ::General::Ortha::unknown))   \
         {                                                                  \
             return 0;                                                      \
         }                                                                  \

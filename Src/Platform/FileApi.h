@@ -34,6 +34,8 @@ enum OpenFlag : int
 int openFile(const char* path, PathForm form, int flags);
 /// Makes a stream of a descriptor, which then belongs to it; null, with the descriptor closed, on failure.
 std::FILE* openStream(int descriptor, const char* mode);
+/// As fopen; child processes do not get the descriptor.
+std::FILE* openPrivateStream(const char* path, const char* mode);
 int descriptorOf(std::FILE* stream);
 /// As fseek and ftell, with 64 bits.
 int seekStream(std::FILE* stream, std::int64_t offset, int whence);
@@ -46,6 +48,7 @@ struct FileStatus
     std::int64_t accessed;
     std::int64_t written;
     std::uint64_t size;
+    std::int32_t writtenNanoseconds;  ///< of the second
 };
 
 // 0, or -1.

@@ -79,6 +79,11 @@ std::FILE* openStream(int descriptor, const char* mode)
     return stream;
 }
 
+std::FILE* openPrivateStream(const char* path, const char* mode)
+{
+    return std::fopen(path, (std::string(mode) + 'e').c_str());
+}
+
 int descriptorOf(std::FILE* stream)
 {
     return fileno(stream);
@@ -101,8 +106,12 @@ int statFile(const char* path, PathForm, FileStatus& status)
     {
         return -1;
     }
-    status = {static_cast<std::uint16_t>(found.st_mode), found.st_ctime, found.st_atime, found.st_mtime,
-              static_cast<std::uint64_t>(found.st_size)};
+    status = {static_cast<std::uint16_t>(found.st_mode),
+              found.st_ctime,
+              found.st_atime,
+              found.st_mtime,
+              static_cast<std::uint64_t>(found.st_size),
+              static_cast<std::int32_t>(found.st_mtim.tv_nsec)};
     return 0;
 }
 
@@ -219,10 +228,19 @@ int nextFound(FileSearch& search, FoundFile& next)
     while (const dirent* const entry = (errno = 0, readdir(search.directory)))
     {
         const char* const name = entry->d_name;
-        struct stat status;
-        if (!matches(search.pattern.c_str(), name) || fstatat(dirfd(search.directory), name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+        if (!matches(search.pattern.c_str(), name))
         {
             continue;
+        }
+        struct stat status;
+        if (fstatat(dirfd(search.directory), name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+        {
+            if (errno == ENOENT)
+            {
+                continue;
+            }
+            status = {};  // it is there, but what it is may not be asked
+            status.st_mode = S_IRUSR | S_IWUSR | (entry->d_type == DT_DIR ? S_IFDIR : S_IFREG);
         }
         const bool dots = std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
         std::strncpy(next.name, name, FoundFile::maxName - 1);

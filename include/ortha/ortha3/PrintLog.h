@@ -28,6 +28,9 @@
 
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
 
 #include "ortha/ortha3/Export.h"
 #include "ortha/ortha3/Function.h"
@@ -103,7 +106,36 @@ ORTHA_API bool detachPrint(TFunction1<bool, const char*> hook);
 /// 512 bytes. `length` is taken as a signed 32-bit count; nothing is logged from 0 down.
 ORTHA_API void dumpHex(unsigned char* data, std::size_t length);
 
-/// Closes the log file; the next line that is saved opens it again. Must not race with log calls.
+/// Runs one log command, as an operator types it: `argv` is the command word and its values, without a program's name. Nothing tells of a command that is
+/// not understood. The numbers are read as atoi does; "on" and the other words of a value may be in capitals.
+///
+///     -loglevel N                           as setPrintLogLevel
+///     -logmodule NAME on|off                lines of that module; modules not named pass
+///     -logmodule on|off                     all lines; on brings modules that are off back too, until the next command that names one
+///     -logtime, -logthread, -logversion on|off   shows or hides that piece of the header
+///     -logfunction on|off                   mind: off shows the function, on hides it
+///     -logpath PATH                         the log file, or the stem of a series' names; "" ends saving
+///     -logsize KIB                          the size at which the file begins anew, or the next one is begun; 0 for no limit
+///     -logsavesetting none                  one file, which begins anew (the setting at first)
+///     -logsavesetting bysize KIB COUNT      a series, with this limit; COUNT files are kept, 0 for all
+///     -logsavesetting byday on|off COUNT    a series; with on, a date has its own files
+///     -logsavesetting filenametime day|sec  names of a series: PATH_2024-05-10_0 or PATH_2024-05-10-08-30-05_0
+///     -logmodulestatistics on|off           counts bytes for getLogStatistics()
+///     -h, or no word at all                 prints the usage to standard output
+///
+/// Any thread, while others log.
+ORTHA_API void setLogFilter(int argc, char* const argv[]);
+
+/// What one module has logged.
+struct LogModuleInfo
+{
+    std::uint64_t logSize = 0;  ///< characters of its lines, headers included; stops at 4294967295
+};
+
+/// The modules that have logged since statistics were switched on, by name. Any thread. Throws std::bad_alloc without memory for the copy.
+[[nodiscard]] ORTHA_API std::map<std::string, LogModuleInfo> getLogStatistics();
+
+/// Closes the log file; the next line that is saved opens one again. Any thread.
 ORTHA_API void logCleanup();
 
 }  // namespace General::Ortha
