@@ -79,6 +79,10 @@ refuses "1 to 64 characters" --format "$(printf 'H%.0s' {1..65})"
 refuses "1 to 64 characters" --format $'HH\nmm'
 refuses "the date stands in the order" --format 'MM/yyyy'
 
+refuses "the name of a file is missing" --log "$folder/"
+refuses "--log-size" --log "$folder/log" --log-size 0
+refuses "a log command begins with -log" --log-command '-level 5'
+
 refuses_list "list.csv: names no device" '# nothing' ''
 refuses_list "list.csv:3: expected 4 fields" '# id, address, port, period' '' 'a, 127.0.0.1, 0'
 refuses_list "list.csv:1: empty id" ' , 127.0.0.1, 0, 1000'
@@ -130,6 +134,27 @@ shows '\] size +1048576$'
 shows '\] free +1048576$'
 shows '\] most in use +[1-9][0-9]*$'
 shows 'the packet pool is full again'
+
+# The log files hold each line once, over several of them; commands come from the command line and from standard input.
+{
+    sleep 1
+    printf '%s\n' '-logmodule readings off' 'unknown' '-logmodule "no such" off'
+    sleep 1
+    printf '%s' '-logthread off'
+} | timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 4 --log "$folder/log/of fleet" --log-size 1 --log-files 0 \
+    --log-command '-logtime off' --log-command '-logmodule simulator off' > "$folder/out" 2>&1 || failed "a run with log files: exit code $?"
+shows "'unknown' is no log command"
+diff <(grep -v '^logfil*ter ' "$folder/out" | sort) <(cat "$folder/log/of fleet_"* | sort) > "$folder/diff" ||
+    failed "the log files differ from the output: $(head -n 20 "$folder/diff")"
+(($(find "$folder/log" -name "of fleet_$(date +%Y)-*_*" | wc -l) >= 3)) || failed "log files: $(ls "$folder/log")"
+[[ "$(sed -n '/is no log command/,$p' "$folder/out" | grep -c ' ms  ')" == 0 ]] || failed "the module readings is not off"
+shows '^\[ info readings [0-9]+ \] first '
+shows '^\[ info fleet \]fleet: the packet pool is full'
+shows '\] readings +[1-9][0-9]*$'
+timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 1 --log "$folder/log/of fleet" --log-size 1 --log-files 2 > "$folder/out" 2>&1 ||
+    failed "a second run with log files: exit code $?"
+grep -qF 'packet pool is full' "$(find "$folder/log" -type f -printf '%T@ %p\n' | sort -n | tail -n 1 | cut -d ' ' -f 2-)" ||
+    failed "the newest log file does not hold the last line"
 
 # Wrong answers: each is told, ends its connection, and leaves nothing behind in the pool.
 serve '\0\2' '\377\377' '\0\4\0001 C' '\0\4\0031 C' '\0\5\3oneC' '\0\5\3nanC' '\0\5\0031. C' '\0\3\0011\a' '\0\5\0031' \

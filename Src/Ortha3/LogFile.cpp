@@ -134,7 +134,7 @@ void LogFiles::setPath(const char* path)
     else if (!file.empty())
     {
         directory = "./";
-        file.insert(0, directory);
+        file = directory + file;
     }
     CGuard guard(mutex);
     logPath = std::move(file);

@@ -1,10 +1,15 @@
 #include "DeviceList.h"
 
+#include <ortha/ortha3/File.h>
+#include <sys/stat.h>
+
 #include <charconv>
-#include <fstream>
 #include <optional>
 #include <set>
+#include <sstream>
 #include <string_view>
+
+using General::Ortha::CFile;
 
 namespace Fleet {
 
@@ -47,6 +52,29 @@ std::string quoted(std::string_view text)
     return std::string("'").append(text).append("'");
 }
 
+std::string readFile(const std::string& path)
+{
+    General::Ortha::FileInfo info;
+    CFile file;
+    // Asked first, so that the log does not tell in its words what the exception tells.
+    const bool readable = CFile::access(path.c_str(), 4) && CFile::stat(path.c_str(), info) && !S_ISDIR(info.attrib);
+    if (!readable || !file.open(path.c_str(), CFile::modeRead))
+    {
+        throw DeviceListError(path + ": cannot be read");
+    }
+    std::string text;
+    char block[4096];
+    for (long count = file.read(block, sizeof(block)); count > 0; count = file.read(block, sizeof(block)))
+    {
+        text.append(block, static_cast<std::size_t>(count));
+    }
+    if (S_ISREG(info.attrib) && text.size() < info.size)
+    {
+        throw DeviceListError(path + ": cannot be read to its end");
+    }
+    return text;
+}
+
 }  // namespace
 
 DeviceListError::DeviceListError(const std::string& file, unsigned int line, const std::string& fault)
@@ -56,11 +84,7 @@ DeviceListError::DeviceListError(const std::string& file, unsigned int line, con
 
 std::vector<Device> readDeviceList(const std::string& file)
 {
-    std::ifstream list(file);
-    if (!list)
-    {
-        throw DeviceListError(file + ": cannot be read");
-    }
+    std::istringstream list(readFile(file));
     std::vector<Device> devices;
     std::set<std::string> ids;
     std::string text;
@@ -102,10 +126,6 @@ std::vector<Device> readDeviceList(const std::string& file)
             refuse(quoted(fields[3]) + " is not a period in milliseconds, a whole number from 1");
         }
         devices.push_back({std::string(fields[0]), {address, *port}, *period, number});
-    }
-    if (list.bad())
-    {
-        throw DeviceListError(file + ": cannot be read");
     }
     if (devices.empty())
     {

@@ -1,11 +1,11 @@
 #include "DstRehearsal.h"
 
-#include <ortha/ortha3/PrintLog.h>
 #include <ortha/ortha3/Time.h>
 
 #include <cstdlib>
 #include <stdexcept>
 
+#include "Log.h"
 #include "Stamp.h"
 
 using General::Ortha::CTime;
@@ -22,7 +22,7 @@ constexpr int savingOffset = standardOffset + hour;
 
 void printTime(const CTime& time, int)
 {
-    logInfo("The clock would be set to %s.\n", stamp(time).c_str());
+    logLibName(levelInfo, moduleReport, "The clock would be set to %s.\n", stamp(time).c_str());
 }
 
 void printTimeEx(const SystemTimeEx& time, int)
@@ -52,8 +52,8 @@ void logRow(unsigned long long utc)
     unsigned long long local = 0;
     int offset = 0;
     CTime::makeLocal(utc, &local, &offset);
-    logInfo(" %-*s  %-*s  %+03d:%02d\n", stampWidth(), stamp(CTime(utc, false)).c_str(), stampWidth(), stamp(CTime(local, false)).c_str(),
-            offset / hour, std::abs(offset) % hour / 60);
+    logLibName(levelInfo, moduleReport, " %-*s  %-*s  %+03d:%02d\n", stampWidth(), stamp(CTime(utc, false)).c_str(), stampWidth(),
+               stamp(CTime(local, false)).c_str(), offset / hour, std::abs(offset) % hour / 60);
 }
 
 }  // namespace
@@ -68,8 +68,9 @@ void rehearseDst()
     const DstConfigInfo endRule = lastSunday(10, 3);
     const CTime now = CTime::getCurrentTime();
     const bool saving = dateOf(startRule, now.year) <= now && now < dateOf(endRule, now.year);
-    logInfo("Rehearsal of daylight saving, one hour east of UTC: nothing sets the clock.\n");
-    logInfo("The clock shows %s, taken as %s time.\n", stamp(now).c_str(), saving ? "daylight-saving" : "standard");
+    logLibName(levelInfo, moduleReport, "Rehearsal of daylight saving, one hour east of UTC: nothing sets the clock.\n");
+    logLibName(levelInfo, moduleReport, "The clock shows %s, taken as %s time.\n", stamp(now).c_str(),
+               saving ? "daylight-saving" : "standard");
 
     CTime::setInitDst(saving);
     CTime start;
@@ -78,8 +79,8 @@ void rehearseDst()
     {
         throw std::runtime_error("daylight saving cannot be turned on");
     }
-    logInfo("Daylight saving begins %s and ends %s.\n", stamp(start).c_str(), stamp(end).c_str());
-    logInfo(" %-*s  %-*s  offset\n", stampWidth(), "UTC", stampWidth(), "local time");
+    logLibName(levelInfo, moduleReport, "Daylight saving begins %s and ends %s.\n", stamp(start).c_str(), stamp(end).c_str());
+    logLibName(levelInfo, moduleReport, " %-*s  %-*s  offset\n", stampWidth(), "UTC", stampWidth(), "local time");
     const unsigned long long startUTC = CTime::makeUTC(CTime::timeToSeconds(start), &standardOffset);
     const unsigned long long endUTC = CTime::makeUTC(CTime::timeToSeconds(end), &savingOffset);
     for (const unsigned long long utc : {startUTC - 1, startUTC, endUTC - 1, endUTC})

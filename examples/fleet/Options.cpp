@@ -43,6 +43,21 @@ std::optional<int> readOptions(int argc, char** argv, Options& options)
     app.add_option("--format", options.format, "how times are written: y M d, H m s, h for 12 hours, t for AM or PM; others as they are")
         ->option_text("TEMPLATE")
         ->check(checkStampTemplate);
+    app.add_option("--log", options.log,
+                   "saves what is logged to files named STEM, date and number: a new one each day and at the size limit")
+        ->option_text("STEM")
+        ->check([](const std::string& stem) { return stem.empty() || stem.back() == '/' ? "the name of a file is missing" : ""; });
+    app.add_option("--log-size", options.logSize, "the size limit of a log file in KiB (1024)")
+        ->option_text("KIB")
+        ->check(CLI::Range(1U, 2097151U));
+    app.add_option("--log-files", options.logFiles, "how many log files are kept, 0 for all (10)")
+        ->option_text("N")
+        ->check(CLI::Range(0U, 2147483647U));
+    app.add_option("--log-command", options.logCommands,
+                   "runs a log command at the start; lines of standard input that begin with -log are run too")
+        ->option_text("COMMAND")
+        ->allow_extra_args(false)
+        ->check([](const std::string& command) { return command.rfind("-log", 0) == 0 ? "" : "a log command begins with -log"; });
     app.add_flag("--dst-rehearsal", options.dstRehearsal, "prints what daylight saving does to this year, and ends");
     app.add_flag("--verbose", options.verbose, "logs at trace level");
     try

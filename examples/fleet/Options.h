@@ -4,6 +4,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "Stamp.h"
 
@@ -15,7 +16,11 @@ struct Options
     std::optional<bool> simulate;    ///< true: all devices; false: none; not given: those of port 0
     std::chrono::seconds runTime{};  ///< 0: until stopped
     std::string format = defaultStampTemplate;
-    bool dstRehearsal = false;  ///< no polling: what daylight saving does to this year
+    std::string log;                       ///< the stem of the log files; empty: none
+    unsigned int logSize = 1024;           ///< KiB a file
+    unsigned int logFiles = 10;            ///< how many are kept, 0 for all
+    std::vector<std::string> logCommands;  ///< run at the start
+    bool dstRehearsal = false;             ///< no polling: what daylight saving does to this year
     bool verbose = false;
 };
 

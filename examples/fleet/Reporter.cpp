@@ -1,6 +1,5 @@
 #include "Reporter.h"
 
-#include <ortha/ortha3/PrintLog.h>
 #include <ortha/ortha3/ThreadManager.h>
 #include <ortha/ortha3/Time.h>
 #include <ortha/ortha3/TimerManager.h>
@@ -11,6 +10,7 @@
 #include <string_view>
 
 #include "Frame.h"
+#include "Log.h"
 #include "Stamp.h"
 
 using General::Ortha::CGuard;
@@ -56,17 +56,18 @@ void Reporter::onReading(std::size_t device, const Reading& reading)
     CGuard guard(m_output);
     if (reading.reconnected)
     {
-        logInfo(" %-*s  connected again\n", m_idWidth, id);
+        logLibName(levelInfo, moduleReadings, " %-*s  connected again\n", m_idWidth, id);
     }
     if (reading.ok)
     {
         const std::string_view unit = text(reading.unit);
-        logInfo(" %-*s %9.2f %-4.*s %9.1f ms  %s\n", m_idWidth, id, number(reading.value), static_cast<int>(unit.size()), unit.data(),
-                milliseconds(static_cast<double>(reading.latency)), stamp(reading.time).c_str());
+        logLibName(levelInfo, moduleReadings, " %-*s %9.2f %-4.*s %9.1f ms  %s\n", m_idWidth, id, number(reading.value),
+                   static_cast<int>(unit.size()), unit.data(), milliseconds(static_cast<double>(reading.latency)),
+                   stamp(reading.time).c_str());
     }
     else
     {
-        logWarn(" %-*s  %s\n", m_idWidth, id, reading.error.c_str());
+        logLibName(levelWarn, moduleReadings, " %-*s  %s\n", m_idWidth, id, reading.error.c_str());
     }
 }
 
@@ -74,8 +75,9 @@ void Reporter::logStatistics(const char* title)
 {
     const std::vector<Statistics> statistics = m_collector.statistics();
     CGuard guard(m_output);
-    logInfo("%s\n", title);
-    logInfo(" %-*s readings errors reconnects    last     min     max    mean  ms: mean     max  last reading\n", m_idWidth, "device");
+    logLibName(levelInfo, moduleReport, "%s\n", title);
+    logLibName(levelInfo, moduleReport,
+               " %-*s readings errors reconnects    last     min     max    mean  ms: mean     max  last reading\n", m_idWidth, "device");
     Statistics total;
     for (std::size_t i = 0; i < statistics.size(); ++i)
     {
@@ -91,22 +93,35 @@ void Reporter::logStatistics(const char* title)
             lastReading = "  " + stamp(device.lastTime);
         }
         // A row is one call: texts of other threads can stand between two.
-        logInfo(" %-*s %8llu %6llu %10llu%s%s\n", m_idWidth, m_devices[i].id.c_str(), device.readings, device.errors, device.reconnects,
-                values, lastReading.c_str());
+        logLibName(levelInfo, moduleReport, " %-*s %8llu %6llu %10llu%s%s\n", m_idWidth, m_devices[i].id.c_str(), device.readings,
+                   device.errors, device.reconnects, values, lastReading.c_str());
         total.readings += device.readings;
         total.errors += device.errors;
         total.reconnects += device.reconnects;
     }
-    logInfo(" %-*s %8llu %6llu %10llu\n\n", m_idWidth, "together", total.readings, total.errors, total.reconnects);
+    logLibName(levelInfo, moduleReport, " %-*s %8llu %6llu %10llu\n\n", m_idWidth, "together", total.readings, total.errors,
+               total.reconnects);
 }
 
 void Reporter::logPool(const FramePool& pool)
 {
     CGuard guard(m_output);
-    logInfo("Packet pool, in bytes:\n");
-    logInfo(" %-*s %8zu\n", m_idWidth, "size", pool.size());
-    logInfo(" %-*s %8zu\n", m_idWidth, "free", pool.freeSize());
-    logInfo(" %-*s %8zu\n\n", m_idWidth, "most in use", pool.highWater());
+    logLibName(levelInfo, moduleReport, "Packet pool, in bytes:\n");
+    logLibName(levelInfo, moduleReport, " %-*s %8zu\n", m_idWidth, "size", pool.size());
+    logLibName(levelInfo, moduleReport, " %-*s %8zu\n", m_idWidth, "free", pool.freeSize());
+    logLibName(levelInfo, moduleReport, " %-*s %8zu\n\n", m_idWidth, "most in use", pool.highWater());
+}
+
+void Reporter::logLog()
+{
+    const auto modules = General::Ortha::getLogStatistics();
+    CGuard guard(m_output);
+    logLibName(levelInfo, moduleReport, "Log, in bytes by module:\n");
+    for (const auto& [module, info] : modules)
+    {
+        logLibName(levelInfo, moduleReport, " %-*s %8llu\n", m_idWidth, module.c_str(), static_cast<unsigned long long>(info.logSize));
+    }
+    logLibName(levelInfo, moduleReport, "\n");
 }
 
 void Reporter::threadProc()

@@ -1,6 +1,5 @@
 #include "Simulator.h"
 
-#include <ortha/ortha3/PrintLog.h>
 #include <ortha/ortha3/Time.h>
 
 #include <chrono>
@@ -9,6 +8,7 @@
 #include <string>
 
 #include "Frame.h"
+#include "Log.h"
 
 using asio::ip::tcp;
 using General::Ortha::CTime;
@@ -130,7 +130,8 @@ void SimulatedDevice::onConnection(const asio::error_code& error, tcp::socket so
 {
     if (error)
     {
-        logWarn(" simulated device %zu takes no more connections: %s\n", m_number + 1, error.message().c_str());
+        logLibName(levelWarn, moduleSimulator, " simulated device %zu takes no more connections: %s\n", m_number + 1,
+                   error.message().c_str());
         return;
     }
     std::make_shared<Session>(std::move(socket), *this)->awaitRequest();

@@ -1,6 +1,5 @@
 // fleet: polls a fleet of devices over TCP, one timer each, and reports what they measure.
 
-#include <ortha/ortha3/PrintLog.h>
 #include <ortha/ortha3/ThreadManager.h>
 #include <ortha/ortha3/Time.h>
 
@@ -12,9 +11,11 @@
 
 #include "Asio.h"
 #include "Collector.h"
+#include "Console.h"
 #include "DeviceList.h"
 #include "DstRehearsal.h"
 #include "FramePool.h"
+#include "Log.h"
 #include "Options.h"
 #include "Poller.h"
 #include "Reporter.h"
@@ -24,18 +25,26 @@ namespace Fleet {
 
 namespace {
 
-void configureLog(bool verbose)
+void configureLog(const Options& options)
 {
-    General::Ortha::PrintOptions options;
-    options.noModule = 1;
-    options.noVersion = 1;
-    options.noFile = 1;
-    options.noLine = 1;
-    options.showMilliseconds = 1;
-    General::Ortha::setPrintOptions(options);
-    if (verbose)
+    General::Ortha::PrintOptions shown;
+    shown.noVersion = 1;
+    shown.noFile = 1;
+    shown.noLine = 1;
+    shown.showMilliseconds = 1;
+    General::Ortha::setPrintOptions(shown);
+    if (options.verbose)
     {
-        General::Ortha::setPrintLogLevel(5);
+        General::Ortha::setPrintLogLevel(levelTrace);
+    }
+    runLogCommand("-logmodulestatistics on");
+    if (!options.log.empty())
+    {
+        saveLog(options.log, options.logSize, options.logFiles);
+    }
+    for (const std::string& command : options.logCommands)
+    {
+        runLogCommand(command);
     }
 }
 
@@ -81,7 +90,7 @@ std::string waitForStop(asio::io_context& io, asio::signal_set& signals, std::ch
 
 int run(const Options& options)
 {
-    configureLog(options.verbose);
+    configureLog(options);
     General::Ortha::CTime::setFormatString(options.format.c_str());
     if (options.dstRehearsal)
     {
@@ -99,8 +108,8 @@ int run(const Options& options)
     General::Ortha::CThreadManager::instance()->registerMainThread();
     FramePool pool;  // before anything makes a packet
     const std::string end = options.runTime.count() == 0 ? "Ctrl-C stops" : "stops after " + std::to_string(options.runTime.count()) + " s";
-    logInfo("fleet: %zu devices of %s, %zu of them simulated; %s.\n\n", devices.size(), options.devices.c_str(), simulator.devices(),
-            end.c_str());
+    logLibName(levelInfo, moduleFleet, "fleet: %zu devices of %s, %zu of them simulated; %s.\n\n", devices.size(), options.devices.c_str(),
+               simulator.devices(), end.c_str());
 
     Collector collector(devices.size());
     Reporter reporter(devices, collector);
@@ -124,8 +133,14 @@ int run(const Options& options)
         throw std::runtime_error("the reporter does not start");
     }
 
+    Console console;
+    if (!console.createThread())
+    {
+        throw std::runtime_error("the console does not start");
+    }
+
     const std::string reason = waitForStop(io, signals, options.runTime);
-    logInfo("fleet: %s, stopping.\n", reason.c_str());
+    logLibName(levelInfo, moduleFleet, "fleet: %s, stopping.\n", reason.c_str());
     for (Poller& poller : pollers)
     {
         poller.stop();
@@ -134,12 +149,13 @@ int run(const Options& options)
     pollers.clear();
     reporter.logStatistics("Closing report:");
     reporter.logPool(pool);
+    reporter.logLog();
     // No poll is under way and nobody keeps a reading: a packet that is still out has been lost.
     if (const std::size_t lost = pool.size() - pool.freeSize(); lost != 0)
     {
         throw std::runtime_error(std::to_string(lost) + " bytes of the packet pool have not come back");
     }
-    logInfo("fleet: the packet pool is full again.\n");
+    logLibName(levelInfo, moduleFleet, "fleet: the packet pool is full again.\n");
     return 0;
 }
 
