@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -24,47 +22,22 @@ namespace {
 // Enough for a steady time, few enough for the disk cache to hold.
 constexpr std::int64_t linesARow = 500000;
 
-// A scratch directory for the files that the rows write; empty if there is none to be had.
-class Scratch
+const Bench::Scratch& scratch()
 {
-public:
-    Scratch()
-    {
-        std::string name = std::filesystem::temp_directory_path() / "log_bench.XXXXXX";
-        if (mkdtemp(name.data()))
-        {
-            m_directory = name;
-        }
-    }
-    ~Scratch()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_directory, ignored);
-    }
-    Scratch(const Scratch&) = delete;
-    Scratch& operator=(const Scratch&) = delete;
-
-    [[nodiscard]] std::string file(const char* name) const { return m_directory / name; }
-    [[nodiscard]] std::int64_t lines(const char* name) const
-    {
-        std::ifstream stream(file(name), std::ios::binary);
-        std::vector<char> block(1 << 16);
-        std::int64_t count = 0;
-        while (stream.read(block.data(), static_cast<std::streamsize>(block.size())), stream.gcount() > 0)
-        {
-            count += std::count(block.begin(), block.begin() + stream.gcount(), '\n');
-        }
-        return count;
-    }
-
-private:
-    std::filesystem::path m_directory;
-};
-
-const Scratch& scratch()
-{
-    static const Scratch scratch;
+    static const Bench::Scratch scratch;
     return scratch;
+}
+
+std::int64_t linesOf(const char* name)
+{
+    std::ifstream stream(scratch().file(name), std::ios::binary);
+    std::vector<char> block(1 << 16);
+    std::int64_t count = 0;
+    while (stream.read(block.data(), static_cast<std::streamsize>(block.size())), stream.gcount() > 0)
+    {
+        count += std::count(block.begin(), block.begin() + stream.gcount(), '\n');
+    }
+    return count;
 }
 
 // Standard output goes to a file while one of these lives: the library's lines, and not the report.
@@ -103,7 +76,7 @@ private:
 
 void checkLines(benchmark::State& state, const char* file, std::int64_t expected)
 {
-    if (scratch().lines(file) != expected)
+    if (linesOf(file) != expected)
     {
         state.SkipWithError("lines are missing");
     }

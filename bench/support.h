@@ -7,11 +7,14 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <cstdlib>
+#include <filesystem>
 #include <initializer_list>
 #include <mutex>
 #include <random>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -133,6 +136,34 @@ private:
     static constexpr std::size_t count = 1 << 16;
     std::vector<T> m_values = std::vector<T>(count);
     std::size_t m_next = 0;
+};
+
+/// A directory for the files that rows write, removed with all that is in it.
+class Scratch
+{
+public:
+    explicit Scratch(const std::filesystem::path& where = std::filesystem::temp_directory_path())
+    {
+        std::string name = where / "ortha_bench.XXXXXX";
+        if (mkdtemp(name.data()))
+        {
+            m_directory = name;
+        }
+    }
+    ~Scratch()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_directory, ignored);
+    }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    /// False if there is none to be had.
+    [[nodiscard]] bool made() const { return !m_directory.empty(); }
+    [[nodiscard]] std::string file(std::string_view name) const { return m_directory / name; }
+
+private:
+    std::filesystem::path m_directory;
 };
 
 /// The parts of a row's name with slashes between.

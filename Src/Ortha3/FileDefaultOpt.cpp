@@ -6,6 +6,7 @@
 #include <cstring>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "ortha/ortha3/Assert.h"
 #include "ortha/ortha3/PrintLog.h"
@@ -76,6 +77,29 @@ FileDefaultOpt* FileDefaultOpt::instance()
     return s_instance;
 }
 
+// The C runtime need not heed the size of a buffer that it makes itself. A stream for which there is no memory has its own choice.
+void FileDefaultOpt::giveBuffer(std::FILE* stream)
+{
+    constexpr std::size_t size = 16384;
+    std::unique_ptr<char[]> buffer(new (std::nothrow) char[size]);
+    if (!buffer)
+    {
+        return;
+    }
+    char* const bytes = buffer.get();
+    try
+    {
+        CGuard guard(m_mutex);
+        m_buffers.emplace(stream, std::move(buffer));
+    }
+    catch (const std::bad_alloc&)
+    {
+        return;
+    }
+    std::setvbuf(stream, bytes, _IOFBF, size);
+    std::fseek(stream, 0, SEEK_CUR);  // glibc counts positions from here on, and need not ask the system for each ftell
+}
+
 void* FileDefaultOpt::open(const char* path, PathForm form, const char* mode, Failure failure)
 {
     ORTHA_ASSERT(mode != NULL);
@@ -111,8 +135,7 @@ void* FileDefaultOpt::open(const char* path, PathForm form, const char* mode, Fa
         }
         return nullptr;
     }
-    constexpr std::size_t bufferSize = 16384;
-    std::setvbuf(stream, nullptr, _IOFBF, bufferSize);
+    giveBuffer(stream);
     return stream;
 }
 
@@ -123,14 +146,23 @@ void* FileDefaultOpt::fopen(const char* path, const char* mode)
 
 int FileDefaultOpt::fclose(void* stream)
 {
+    std::unique_ptr<char[]> buffer;  // goes after the stream, whose address the next one may have
+    {
+        CGuard guard(m_mutex);
+        if (const auto given = m_buffers.find(stream); given != m_buffers.end())
+        {
+            buffer = std::move(given->second);
+            m_buffers.erase(given);
+        }
+    }
     return std::fclose(streamOf(stream));
 }
 
 std::size_t FileDefaultOpt::fread(void* buffer, std::size_t size, std::size_t count, void* stream)
 {
-    std::clearerr(streamOf(stream));
-    const std::size_t actual = std::fread(buffer, size, count, streamOf(stream));
-    if (std::ferror(streamOf(stream)) != 0)
+    bool failed = false;
+    const std::size_t actual = Platform::readStream(buffer, size, count, streamOf(stream), failed);
+    if (failed)
     {
         ::logWarn("this:%p fread failed or file is ending, expected:%zu, actual:%zu, errno:%d, errmsg:%s\n", static_cast<void*>(this),
                   count, actual, errno, errorText());
@@ -140,12 +172,13 @@ std::size_t FileDefaultOpt::fread(void* buffer, std::size_t size, std::size_t co
 
 std::size_t FileDefaultOpt::fwrite(const void* buffer, std::size_t size, std::size_t count, void* stream)
 {
-    std::clearerr(streamOf(stream));
-    const std::size_t actual = std::fwrite(buffer, size, count, streamOf(stream));
-    if (std::ferror(streamOf(stream)) != 0)
+    bool failed = false;
+    const std::size_t actual = Platform::writeStream(buffer, size, count, streamOf(stream), failed);
+    if (failed)
     {
         ::logWarn("this:%p fwrite failed, expected:%zu, actual:%zu, errno:%d, errmsg:%s\n", static_cast<void*>(this), count, actual, errno,
                   errorText());
+        return 0;  // what the runtime counts may never have left its buffer
     }
     return actual;
 }

@@ -1,7 +1,10 @@
 // The default table of file operations: the C runtime's, on native and on UTF-8 paths.
 #pragma once
 
+#include <cstdio>
 #include <map>
+#include <memory>
+#include <unordered_map>
 
 #include "ortha/ortha3/FileSystem.h"
 #include "ortha/ortha3/Mutex.h"
@@ -13,7 +16,7 @@ namespace General::Ortha {
 /// What a file object or search on `path` goes through: who hooked a prefix of it, or the operations on native paths.
 IFileSystem* getFileSystem(const char* path);
 
-/// On native paths. Keeps no state but the open searches.
+/// On native paths.
 class FileDefaultOpt : public IFileSystem
 {
 public:
@@ -52,6 +55,7 @@ protected:
         logged,
         silent
     };
+    void giveBuffer(std::FILE* stream);
     void* open(const char* path, Platform::PathForm form, const char* mode, Failure failure);
     int renameFile(const char* oldName, const char* newName, Platform::PathForm form);
     int removeFile(const char* path, Platform::PathForm form);
@@ -63,6 +67,7 @@ protected:
 private:
     CMutex m_mutex;  // not held during a call of the system
     std::map<long, Platform::FileSearch*> m_searches ORTHA_GUARDED_BY(m_mutex);
+    std::unordered_map<void*, std::unique_ptr<char[]>> m_buffers ORTHA_GUARDED_BY(m_mutex);  // of the open streams
 };
 
 /// On UTF-8 paths, but for statfs.

@@ -80,7 +80,8 @@ bool CFile::removeDirectoryRecursively(const char* path, bool removeSelf)
             continue;
         }
         const std::string entry = find.getFilePath();
-        find.isDirectory() ? removeDirectoryRecursively(entry.c_str(), true) : remove(entry.c_str());
+        // The separator tells a directory whose name is "*" from a pattern.
+        find.isDirectory() ? removeDirectoryRecursively((entry + '/').c_str(), true) : remove(entry.c_str());
     } while (find.findNextFile());
     find.close();
     if (!removeSelf)

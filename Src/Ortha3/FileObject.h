@@ -36,10 +36,7 @@ public:
     {
         unload();
         IFileSystem* const hooked = getFileSystem(path);
-        if (m_encoding != pathEncodingUtf8 || hooked != FileDefaultOpt::instance())
-        {
-            m_opt = hooked;
-        }
+        m_opt = hooked != FileDefaultOpt::instance() ? hooked : defaultOpt();
         ORTHA_ASSERT(m_opt);
         char mode[8];
         if (!modeOf(flags, mode))

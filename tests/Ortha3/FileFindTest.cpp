@@ -79,6 +79,8 @@ TEST_F(Directories, AreMadeAndRemovedWithAllThatIsInThemButNotWhatALinkPointsAt)
         CFile::makeDirectoryRecursively("a/b/c");
         ASSERT_EQ(symlink("../../kept", "a/b/link"), 0);
         ASSERT_EQ(symlink("../kept/file", "a/.link"), 0);
+        mkdir("a/*", 0777);  // which is no pattern
+        mkdir("a/*/b", 0777);
         EXPECT_TRUE(CFile::removeDirectoryRecursively(path, removeSelf)) << path;
         EXPECT_TRUE(exists("a") != removeSelf && !exists("a/b") && exists("kept/file")) << path;
     }

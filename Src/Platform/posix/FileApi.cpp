@@ -89,6 +89,22 @@ int descriptorOf(std::FILE* stream)
     return fileno(stream);
 }
 
+std::size_t readStream(void* buffer, std::size_t size, std::size_t count, std::FILE* stream, bool& failed)
+{
+    clearerr_unlocked(stream);
+    const std::size_t actual = fread_unlocked(buffer, size, count, stream);
+    failed = ferror_unlocked(stream) != 0;
+    return actual;
+}
+
+std::size_t writeStream(const void* buffer, std::size_t size, std::size_t count, std::FILE* stream, bool& failed)
+{
+    clearerr_unlocked(stream);
+    const std::size_t actual = fwrite_unlocked(buffer, size, count, stream);
+    failed = ferror_unlocked(stream) != 0;
+    return actual;
+}
+
 int seekStream(std::FILE* stream, std::int64_t offset, int whence)
 {
     return fseeko(stream, offset, whence);

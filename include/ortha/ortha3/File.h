@@ -12,7 +12,7 @@
 // and a seek to where it stands, cost nothing. A closed file gives -1 for reading and writing, 0 or null for the rest, and logs nothing unless it is
 // told here. What the file system cannot do it logs itself.
 //
-// Threads: one thread at a time. Nothing here throws.
+// Threads: one thread at a time. Constructors and the recursive operations throw std::bad_alloc without memory; nothing else throws.
 #pragma once
 
 #include <cstdint>

@@ -2,9 +2,9 @@
 //
 //     class CMemoryFiles : public IFileSystem { ... };
 //     CMemoryFiles files;
-//     hookFileSystem("/mem/", &files);        // CFile, CLfsFile and CFileFind reach paths that begin so through `files`
+//     hookFileSystem("/mem", &files);         // CFile, CLfsFile and CFileFind reach paths that begin so through `files`
 //     ...
-//     hookFileSystem("/mem/", nullptr);
+//     hookFileSystem("/mem", nullptr);
 //
 // The default operations are those of the C runtime, on native paths. They log what fails, except where the table says "silent".
 //
