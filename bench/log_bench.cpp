@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -121,7 +122,104 @@ void oursLine(benchmark::State& state, bool flushed)
     checkLines(state, "ortha.log", written);
 }
 
+void command(std::initializer_list<std::string> words)
+{
+    std::vector<std::string> copies(words);
+    std::vector<char*> values;
+    for (std::string& word : copies)
+    {
+        values.push_back(word.data());
+    }
+    General::Ortha::setLogFilter(static_cast<int>(values.size()), values.data());
+}
+
+// Lines that are saved to a series of files while the console goes nowhere, by any number of threads, of which the first one sets the stage.
+template <bool flushed>
+void oursSavedLine(benchmark::State& state)
+{
+    static std::unique_ptr<RedirectedOutput> s_output;
+    const bool first = state.thread_index() == 0;
+    if (first)
+    {
+        General::Ortha::PrintOptions options;
+        options.noColor = flushed ? 0 : 1;
+        General::Ortha::setPrintOptions(options);
+        General::Ortha::setPrintLogLevel(4);
+        s_output = std::make_unique<RedirectedOutput>("/dev/null");
+        std::filesystem::create_directory(scratch().file("saved"));
+        command({"-logpath", scratch().file("saved/line")});
+        command({"-logsavesetting", "bysize", "16384", "0"});
+    }
+    int value = 42;
+    const char* text = "something";
+    for (auto _ : state)
+    {
+        benchmark::DoNotOptimize(value);
+        benchmark::DoNotOptimize(text);
+        General::Ortha::logInfo("value %d of %s\n", value, text);
+    }
+    if (first)
+    {
+        command({"-logpath", ""});
+        General::Ortha::logCleanup();
+        s_output.reset();
+        std::int64_t lines = 0;
+        for (const auto& file : std::filesystem::directory_iterator(scratch().file("saved")))
+        {
+            lines += linesOf(file.path().c_str());
+        }
+        if (lines != state.iterations() * state.threads())
+        {
+            state.SkipWithError("lines are missing");
+        }
+        std::filesystem::remove_all(scratch().file("saved"));
+    }
+}
+
+// A call that is dropped: by its level, or by the switch of its module, which is one of several.
+void oursDropped(benchmark::State& state, int level)
+{
+    General::Ortha::setPrintLogLevel(4);
+    for (const char* const module : {"door", "lift", "VideoInput"})
+    {
+        command({"-logmodule", module, "off"});
+    }
+    int a = 1, b = 2;
+    for (auto _ : state)
+    {
+        benchmark::DoNotOptimize(a);
+        benchmark::DoNotOptimize(b);
+        General::Ortha::logLibName(level, "lift", "value %d of %d\n", a, b);
+    }
+    command({"-logmodule", "on"});
+}
+
 #ifdef ORTHA_BENCH_HAS_SPDLOG
+void spdlogSavedLine(benchmark::State& state)
+{
+    static std::shared_ptr<spdlog::logger> s_logger;
+    const bool first = state.thread_index() == 0;
+    if (first)
+    {
+        s_logger = std::make_shared<spdlog::logger>(
+            "bench", std::make_shared<spdlog::sinks::basic_file_sink_mt>(scratch().file("spdlog.log"), true));
+        s_logger->flush_on(spdlog::level::info);
+    }
+    int value = 42;
+    const char* text = "something";
+    for (auto _ : state)
+    {
+        benchmark::DoNotOptimize(value);
+        benchmark::DoNotOptimize(text);
+        s_logger->info("value {} of {}", value, text);
+    }
+    if (first)
+    {
+        s_logger.reset();
+        checkLines(state, "spdlog.log", state.iterations() * state.threads());
+    }
+}
+
 std::unique_ptr<spdlog::logger> makeLogger()
 {
     return std::make_unique<spdlog::logger>("bench",
@@ -174,6 +272,20 @@ int main(int argc, char** argv)
     Bench::row("log/below-level/two-numbers/ortha", oursBelowLevel);
     Bench::row("log/line/buffered/ortha", [](benchmark::State& state) { oursLine(state, false); })->Iterations(linesARow);
     Bench::row("log/line/flushed/ortha", [](benchmark::State& state) { oursLine(state, true); })->Iterations(linesARow);
+    Bench::row("log/dropped/by-level/ortha", [](benchmark::State& state) { oursDropped(state, 5); });
+    Bench::row("log/dropped/by-module/ortha", [](benchmark::State& state) { oursDropped(state, 4); });
+    for (const int threads : {1, 2})
+    {
+        const auto saved = [threads](const char* who, void (*body)(benchmark::State&)) {
+            const std::string name = Bench::nameOf({"log/saved", threads == 1 ? "one-thread" : "two-threads", who});
+            Bench::row(name, body)->Iterations(linesARow / threads)->Threads(threads)->UseRealTime();
+        };
+        saved("ortha", oursSavedLine<true>);
+        saved("ortha-console-buffered", oursSavedLine<false>);
+#ifdef ORTHA_BENCH_HAS_SPDLOG
+        saved("spdlog", spdlogSavedLine);
+#endif
+    }
 #ifdef ORTHA_BENCH_HAS_SPDLOG
     Bench::row("log/below-level/two-numbers/spdlog", spdlogBelowLevel);
     Bench::row("log/line/buffered/spdlog", [](benchmark::State& state) { spdlogLine(state, false); })->Iterations(linesARow);

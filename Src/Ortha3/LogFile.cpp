@@ -150,7 +150,8 @@ int LogFiles::save(const char* text, std::size_t count, const LogTime& time)
     {
         return -1;
     }
-    const std::size_t written = std::fwrite(text, 1, count, logFile);
+    bool failed = false;  // told by nothing, as a short count
+    const std::size_t written = Platform::writeStream(text, 1, count, logFile, failed);
     if (oldWay)
     {
         oldLogSize += written;
@@ -159,7 +160,7 @@ int LogFiles::save(const char* text, std::size_t count, const LogTime& time)
     {
         curLogSize = sizeHeld(static_cast<std::uint64_t>(curLogSize) + written);
     }
-    std::fflush(logFile);
+    Platform::flushStream(logFile);
     return 0;
 }
 

@@ -37,9 +37,10 @@ std::FILE* openStream(int descriptor, const char* mode);
 /// As fopen; child processes do not get the descriptor.
 std::FILE* openPrivateStream(const char* path, const char* mode);
 int descriptorOf(std::FILE* stream);
-/// As fread and fwrite on a stream that no other thread uses. `failed` tells whether the system reported an error.
+/// As fread, fwrite and fflush on a stream that no other thread uses. `failed` tells whether the system reported an error.
 std::size_t readStream(void* buffer, std::size_t size, std::size_t count, std::FILE* stream, bool& failed);
 std::size_t writeStream(const void* buffer, std::size_t size, std::size_t count, std::FILE* stream, bool& failed);
+int flushStream(std::FILE* stream);
 /// As fseek and ftell, with 64 bits.
 int seekStream(std::FILE* stream, std::int64_t offset, int whence);
 std::int64_t tellStream(std::FILE* stream);

@@ -105,6 +105,11 @@ std::size_t writeStream(const void* buffer, std::size_t size, std::size_t count,
     return actual;
 }
 
+int flushStream(std::FILE* stream)
+{
+    return fflush_unlocked(stream);
+}
+
 int seekStream(std::FILE* stream, std::int64_t offset, int whence)
 {
     return fseeko(stream, offset, whence);
