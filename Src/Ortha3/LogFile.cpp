@@ -305,9 +305,14 @@ bool LogFiles::findLogFile(bool latest, const std::string& except, std::string& 
     result.clear();
     logNum = 0;
     return forEachLogFile([&](const std::string& path) {
-        ++logNum;
         FileStatus status;
-        if (path == except || Platform::statFile(path.c_str(), Platform::PathForm::native, status) != 0)
+        const bool known = Platform::statFile(path.c_str(), Platform::PathForm::native, status) == 0;
+        if (known && status.directory)  // that a link points at
+        {
+            return;
+        }
+        ++logNum;
+        if (!known || path == except)
         {
             return;
         }

@@ -53,6 +53,7 @@ struct FileStatus
     std::int64_t written;
     std::uint64_t size;
     std::int32_t writtenNanoseconds;  ///< of the second
+    bool directory;
 };
 
 // 0, or -1.

@@ -132,7 +132,8 @@ int statFile(const char* path, PathForm, FileStatus& status)
               found.st_atime,
               found.st_mtime,
               static_cast<std::uint64_t>(found.st_size),
-              static_cast<std::int32_t>(found.st_mtim.tv_nsec)};
+              static_cast<std::int32_t>(found.st_mtim.tv_nsec),
+              S_ISDIR(found.st_mode)};
     return 0;
 }
 
