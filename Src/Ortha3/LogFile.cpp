@@ -328,11 +328,12 @@ bool LogFiles::findLogFile(bool latest, const std::string& except, std::string& 
 std::string LogFiles::newLogPath(const LogTime& time)
 {
     const bool seconds = setting(logFileSettings.fileNameSeconds) != 0;
+    const std::string& stem = logPath;
     int number = -1;
     forEachLogFile([&](const std::string& path) {
-        if (path.compare(0, logPath.size(), logPath) == 0)
+        if (path.compare(0, stem.size(), stem) == 0)
         {
-            number = std::max(number, serialOf(path.c_str() + logPath.size(), time, seconds));
+            number = std::max(number, serialOf(path.c_str() + stem.size(), time, seconds));
         }
     });
     return logPath + suffix(time, seconds, number + 1);
