@@ -328,7 +328,7 @@ bool LogFiles::findLogFile(bool latest, const std::string& except, std::string& 
 std::string LogFiles::newLogPath(const LogTime& time)
 {
     const bool seconds = setting(logFileSettings.fileNameSeconds) != 0;
-    const std::string& stem = logPath;
+    const std::string stem = logPath;
     int number = -1;
     forEachLogFile([&](const std::string& path) {
         if (path.compare(0, stem.size(), stem) == 0)
