@@ -65,7 +65,8 @@ public:
     virtual bool login() = 0;
     /// Closes the connection.
     virtual bool logout() = 0;
-    /// Gives the identifier of the user. The result is not looked at; without one leave `userId` as it is.
+    /// Gives the identifier of the user. The result is not looked at; without one leave `userId` as it is. Called with locks of the library held: it
+    /// returns at once, and takes no lock that is held while the library is called.
     virtual bool getUserID(int& userId) = 0;
 
     // What a client class need not have: false with last error 0x10030010.

@@ -39,10 +39,10 @@ public:
 
     CServerInfoQueryerHelper(const CServerInfoQueryerHelper&) = default;
     CServerInfoQueryerHelper& operator=(const CServerInfoQueryerHelper&) = default;
-    ~CServerInfoQueryerHelper() = default;
 
 private:
     CServerInfoQueryerHelper() = default;
+    ~CServerInfoQueryerHelper() = default;
 
     TComPtr<IServerInfoQueryer> m_handler;
 };
