@@ -207,6 +207,10 @@ IClient* CClientInstanceList::getClientByUser(const ClassID& clsid, int userId)
 int CClientInstanceList::releaseClientInstance(IClient* client)
 {
     ORTHA_ASSERT(client != NULL);
+    if (const int left = decreaseUnlessLast(client))
+    {
+        return left;
+    }
     {
         CRecursiveGuard guard(clientListMutex());
         if (const int left = decreaseRefCount(client); left != 0)

@@ -32,9 +32,9 @@ struct ClassEntry
     ClassEntry* next;
 };
 
-constexpr std::size_t chainCount = 256;
+constexpr int chainBits = 10;
 using ClassChain = std::atomic<ClassEntry*>;
-ClassChain s_componentCounts[chainCount];
+ClassChain s_componentCounts[1 << chainBits];
 
 CMutex& componentCountMutex()
 {
@@ -44,7 +44,8 @@ CMutex& componentCountMutex()
 
 ClassChain& chainOf(const char* typeName)
 {
-    return s_componentCounts[(reinterpret_cast<std::uintptr_t>(typeName) >> 4) % chainCount];
+    constexpr std::uint64_t golden = 0x9E3779B97F4A7C15;  // spreads addresses that are aligned
+    return s_componentCounts[reinterpret_cast<std::uintptr_t>(typeName) * golden >> (64 - chainBits)];
 }
 
 ClassEntry* findClass(const ClassChain& chain, const char* typeName)
@@ -174,6 +175,13 @@ int IUnknown::release()
     UnknownInternal& internal = *m_internal;
     Detail::CObjectTable* const table = internal.objectTable.load(std::memory_order_relaxed);
     const bool isInstance = internal.isInstance.load(std::memory_order_relaxed);
+    if (table || isInstance)
+    {
+        if (const int left = decreaseUnlessLast(this))
+        {
+            return left;
+        }
+    }
     // What finds the object for others, the table or the registry, must see it alive or not at all.
     if (table)
     {
@@ -215,6 +223,20 @@ int decreaseRefCount(IUnknown* object)
 {
     ORTHA_ASSERT(object);
     return static_cast<int>(UnknownInternal::of(object).refCount.fetch_sub(1, std::memory_order_acq_rel) - 1);
+}
+
+int decreaseUnlessLast(IUnknown* object)
+{
+    std::atomic<std::int64_t>& refCount = UnknownInternal::of(object).refCount;
+    std::int64_t count = refCount.load(std::memory_order_relaxed);
+    while (count > 1)
+    {
+        if (refCount.compare_exchange_weak(count, count - 1, std::memory_order_acq_rel, std::memory_order_relaxed))
+        {
+            return static_cast<int>(count - 1);
+        }
+    }
+    return 0;
 }
 
 int getRefCount(IUnknown* object)

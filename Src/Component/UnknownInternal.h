@@ -37,6 +37,9 @@ struct UnknownInternal
 
 /// Takes a reference off, and does nothing else. The number that are left.
 int decreaseRefCount(IUnknown* object);
+/// Takes a reference off unless it is the last: what is left, or 0 with nothing done. For objects that others find under a lock: the last one goes under that
+/// lock, all others without it.
+int decreaseUnlessLast(IUnknown* object);
 int getRefCount(IUnknown* object);
 void setObjectTable(IUnknown* object, Detail::CObjectTable* table);
 /// A table's making: adds a reference unless this is the first.
