@@ -130,17 +130,17 @@ IClient* IClientFactoryWrap::findOrCreate(const ServerInfo& info, bool explicitC
     if (explicitClient)
     {
         clientGetAndMarkUsing(client);
+        markMade(client);  // its first reference is the caller's: who finds it takes another
     }
     else
     {
         CComponentHelper::makeComponentObject(client);
         CComponentHelper::addRef(client);
     }
-    if (IClient* const other = isRemote ? list.findUsableClient(own, info) : nullptr)
+    if (const void* const other = isRemote ? list.peekUsableClient(own, info) : nullptr)
     {
         ORTHA_LOG(Ortha::levelError, "this:%p remote client instance:%p has been in CClientInstanceList already.\n",
-                  static_cast<void*>(this), static_cast<void*>(other));
-        CComponentHelper::release(other);
+                  static_cast<void*>(this), other);
     }
     list.insertClient(client);
     CComponentHelper::setAsCurrentUser(client);
@@ -169,11 +169,21 @@ void CClientInstanceList::insertClient(IClient* client)
     }
 }
 
+IClient* CClientInstanceList::firstUsable(const ClassID& clsid, const ServerInfo& info) const
+{
+    return firstOf(m_clients, [same = isSameAs(clsid, info)](IClient* client) { return !clientIsBroken(client) && same(client); });
+}
+
 IClient* CClientInstanceList::findUsableClient(const ClassID& clsid, const ServerInfo& info)
 {
     CRecursiveGuard guard(clientListMutex());
-    return referenced(
-        firstOf(m_clients, [same = isSameAs(clsid, info)](IClient* client) { return !clientIsBroken(client) && same(client); }));
+    return referenced(firstUsable(clsid, info));
+}
+
+const void* CClientInstanceList::peekUsableClient(const ClassID& clsid, const ServerInfo& info)
+{
+    CRecursiveGuard guard(clientListMutex());
+    return firstUsable(clsid, info);
 }
 
 IClient* CClientInstanceList::getClientByServer(const ClassID& clsid, const ServerInfo& info)
@@ -228,7 +238,10 @@ void CClientInstanceList::removeIdleClientInstance(unsigned long)
     std::vector<IClient*> idleClientList;
     {
         CRecursiveGuard guard(clientListMutex());
-        const auto isIdle = [](IClient* client) { return clientIsIdle(client) && getRefCount(client) < 2; };
+        // The one reference of a client that was used is a holder's.
+        const auto isIdle = [](IClient* client) {
+            return clientIsIdle(client) && ClientInternal::of(client).using_ == 0 && getRefCount(client) < 2;
+        };
         if (std::none_of(m_clients.begin(), m_clients.end(), isIdle))
         {
             return;

@@ -52,6 +52,8 @@ public:
 
     /// One that is not broken.
     IClient* findUsableClient(const ClassID& clsid, const ServerInfo& info);
+    /// The same without a reference: it may end at any moment.
+    const void* peekUsableClient(const ClassID& clsid, const ServerInfo& info);
     /// Broken or not. The reference is taken as makeComponentInstance does it.
     IClient* getClientByServer(const ClassID& clsid, const ServerInfo& info);
     IClient* findClientByUser(const ClassID& clsid, int userId);
@@ -68,6 +70,8 @@ private:
 
     CClientInstanceList();
     ~CClientInstanceList();
+
+    IClient* firstUsable(const ClassID& clsid, const ServerInfo& info) const;
 
     std::vector<IClient*> m_clients;  // guarded by clientListMutex()
     Ortha::CTimer m_timer;

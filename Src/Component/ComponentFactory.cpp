@@ -121,39 +121,48 @@ bool isClientInterface(const char* iid)
     return std::strcmp(iid, IClient::IFactory::iid()) == 0;
 }
 
-// Finds the factory and hands it over with the client, if there is one, whose reference is given up on failure.
-IFactoryUnknown* deliver(const char* iid, const ClassID& clsid, IClient* found, IClient*& client)
+// Finds the factory, and marks the client, if there is one, as that of the thread. 0, or the code of the failure; -1 for one without a code.
+int findFor(const char* iid, const ClassID& clsid, IClient* client, IFactoryUnknown*& factory)
 {
     CRecursiveGuard guard(factories().s_factoryMutex);
     const bool isClientFactory = isClientInterface(iid);
-    IFactoryUnknown* factory = nullptr;
-    int error = findFactory(iid, clsid, factory);
-    if (error == 0 && !factory && isClientFactory)
+    if (const int error = findFactory(iid, clsid, factory))
     {
-        error = classNotFound;
+        return error;
     }
     if (!factory)
     {
+        return isClientFactory ? classNotFound : -1;
+    }
+    if (client)
+    {
+        CComponentHelper::setAsCurrentUser(client);
+    }
+    if (isClientFactory)
+    {
+        factory = IClientFactoryWrap::getClientFactoryWrap(factory);
+    }
+    return 0;
+}
+
+// Hands a factory over with the client, if there is one, whose reference is given up on failure: behind the lock, for it may be the last.
+IFactoryUnknown* deliver(const char* iid, const ClassID& clsid, IClient* found, IClient*& client)
+{
+    IFactoryUnknown* factory = nullptr;
+    if (const int error = findFor(iid, clsid, found, factory))
+    {
         CComponentHelper::release(found);
-        if (error != 0)
+        if (error > 0)
         {
             Ortha::setLastError(error);
         }
         return nullptr;
     }
-    if (found)
-    {
-        CComponentHelper::setAsCurrentUser(found);
-    }
-    client = found;
-    if (isClientFactory)
-    {
-        return IClientFactoryWrap::getClientFactoryWrap(factory);
-    }
     if (found && clientGetAndMarkUsing(found) == 0)
     {
         CComponentHelper::release(found);  // the reference that stood for the list
     }
+    client = found;
     return factory;
 }
 
@@ -196,13 +205,15 @@ IClient* makeUsable(IClient* client, const char* iid, const ClassID& clsid)
 {
     constexpr const char* loginFailed = "iid:%s, clsid:%s could not been got because login failed.\n";
     constexpr const char* reloginFailed = "iid:%s, clsid:%s could not been got because re-login failed.\n";
-    if (clientIsCreated(client) || clientIsBroken(client))
+    switch (ClientInternal::of(client).state)  // read once: another thread may find the connection broken meanwhile
     {
+    case ClientInternal::created:
+    case ClientInternal::broken:
         return loginOrRelease(client, iid, clsid, Ortha::levelDebug, loginFailed);
-    }
-    if (clientIsLogined(client))
-    {
+    case ClientInternal::loggedIn:
         return clientUpdateBroken(client) ? loginOrRelease(client, iid, clsid, Ortha::levelDebug, reloginFailed) : client;
+    default:
+        break;
     }
     ORTHA_LOG(Ortha::levelError, "iid:%s, clsid:%s client state is unknown!\n", iid, clsid.name);
     CComponentHelper::release(client);

@@ -120,12 +120,6 @@ void setClassName(IUnknown* object)
     }
 }
 
-// Marks an object as made; whether it was already.
-bool markMade(UnknownInternal& internal)
-{
-    return internal.made.load(std::memory_order_relaxed) != 0 || internal.made.exchange(1, std::memory_order_relaxed) != 0;
-}
-
 int addReference(UnknownInternal& internal)
 {
     return static_cast<int>(internal.refCount.fetch_add(1, std::memory_order_relaxed) + 1);
@@ -166,7 +160,7 @@ IUnknown& IUnknown::operator=(const IUnknown& other)
 
 int IUnknown::addRef()
 {
-    markMade(*m_internal);
+    markMade(this);
     return addReference(*m_internal);
 }
 
@@ -250,13 +244,18 @@ void setObjectTable(IUnknown* object, Detail::CObjectTable* table)
     UnknownInternal::of(object).objectTable.store(table, std::memory_order_relaxed);
 }
 
+bool markMade(IUnknown* object)
+{
+    std::atomic<std::int32_t>& made = UnknownInternal::of(object).made;
+    return made.load(std::memory_order_relaxed) != 0 || made.exchange(1, std::memory_order_relaxed) != 0;
+}
+
 void makeInstanceForTable(IUnknown* object)
 {
     ORTHA_ASSERT(object);
-    UnknownInternal& internal = UnknownInternal::of(object);
-    if (markMade(internal))
+    if (markMade(object))
     {
-        addReference(internal);
+        addReference(UnknownInternal::of(object));
     }
 }
 
@@ -279,7 +278,7 @@ IUnknown* CComponentHelper::makeComponentInstance(IUnknown* object)
     }
     setClassName(object);
     UnknownInternal& internal = UnknownInternal::of(object);
-    if (!internal.objectTable.load(std::memory_order_relaxed) && markMade(internal))
+    if (!internal.objectTable.load(std::memory_order_relaxed) && markMade(object))
     {
         addReference(internal);
     }
@@ -294,10 +293,9 @@ IUnknown* CComponentHelper::makeComponentObject(IUnknown* object)
         return nullptr;
     }
     setClassName(object);
-    UnknownInternal& internal = UnknownInternal::of(object);
-    if (!internal.objectTable.load(std::memory_order_relaxed))
+    if (!UnknownInternal::of(object).objectTable.load(std::memory_order_relaxed))
     {
-        markMade(internal);
+        markMade(object);
     }
     return object;
 }

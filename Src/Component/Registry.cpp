@@ -168,6 +168,7 @@ IUnknown* getComponentInstance(const char* clsid, const ServerInfo* info)
         CGuard guard(own.s_componentMutex);
         entry->second.instances.emplace_back(object, info);
         UnknownInternal& internal = UnknownInternal::of(object);
+        ++internal.records;
         internal.isInstance.store(true, std::memory_order_relaxed);
         internal.clsid.store(entry->first.c_str(), std::memory_order_relaxed);
     }
@@ -210,11 +211,18 @@ bool destroyComponent(IUnknown* object, const char* clsid, bool isInstance) ORTH
         ComponentMap& s_componentMap = registry().s_componentMap;
         const auto pi = s_componentMap.find(std::string_view(clsid));
         ORTHA_ASSERT(pi != s_componentMap.end());
+        const auto isObject = [object](const ComponentInstance& shared) { return shared.instance == object; };
         std::list<ComponentInstance>& instances = (*pi).second.instances;
-        const auto pj =
-            std::find_if(instances.begin(), instances.end(), [object](const auto& shared) { return shared.instance == object; });
+        const auto pj = std::find_if(instances.begin(), instances.end(), isObject);
         ORTHA_ASSERT(pj != (*pi).second.instances.end());
         instances.erase(pj);
+        if (UnknownInternal::of(object).records > 1)  // a creator has given one object for several servers, or classes
+        {
+            for (auto& entry : s_componentMap)
+            {
+                entry.second.instances.remove_if(isObject);
+            }
+        }
         unlockInstances();
     }
     object->destroy();

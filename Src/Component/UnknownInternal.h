@@ -29,6 +29,7 @@ struct UnknownInternal
     std::atomic<const char*> clsid{nullptr};  // the registry's own text; null for an object that does not come from there
     std::atomic<Detail::CObjectTable*> objectTable{nullptr};
     std::atomic<ClassCount*> className{&unmadeCount};  // of the dynamic type, once made
+    std::atomic<int> records{0};                       // entries of the registry's lists
     bool isClient = false;
     std::atomic<int> holders{1};  // objects that share the record
 };
@@ -42,6 +43,8 @@ int decreaseRefCount(IUnknown* object);
 int decreaseUnlessLast(IUnknown* object);
 int getRefCount(IUnknown* object);
 void setObjectTable(IUnknown* object, Detail::CObjectTable* table);
+/// Marks an object as made; whether it was already.
+bool markMade(IUnknown* object);
 /// A table's making: adds a reference unless this is the first.
 void makeInstanceForTable(IUnknown* object);
 

@@ -6,7 +6,7 @@
 //     Detail::CComponentHelper::release(door);
 //
 // A class that nobody registered is looked for in a loadable module named after it, "Door.so" on this system, beside the program, beside this library,
-// or where the loader looks; never in the current directory. It must export the creator as a C function, "createDoorObject". Names are cut at 31 characters,
+// or where the loader looks; not in the current directory, unless the loader's settings name it. It must export the creator as a C function, "createDoorObject". Names are cut at 31 characters,
 // so such a class has at most 19. Modules are never unloaded.
 //
 // Threads: any thread. A creator runs on the caller's thread with no lock of the registry held, and may use the registry. A module is loaded under its
