@@ -41,9 +41,12 @@ refuses_list()
     refuses "$text" --devices "$folder/list.csv"
 }
 
-# serve FRAME...: starts a device at $port that answers each connection with the next of these frames, with Perl's escapes, and closes it.
+# serve FRAME...: starts a device server at $port. It lets user "ann" with password "key" log in, answers each connection's first request with the next of
+# these frames, with Perl's escapes, and closes it. Where a frame is DENIED, that is what it says to the login.
 serve()
 {
+    [[ -z "$server" ]] || kill "$server" || true
+    rm -f "$folder/port"
     mkfifo "$folder/port"
     perl -MIO::Socket::INET - "$@" > "$folder/port" << 'END' &
 my @frames = map { eval "qq($_)" } @ARGV;
@@ -53,9 +56,12 @@ STDOUT->autoflush;
 print $listener->sockport, "\n";
 for (my $i = 0; my $connection = $listener->accept; ++$i)
 {
-    <$connection>;
-    print $connection $frames[$i % @frames];
-    close $connection;
+    my $frame = $frames[$i % @frames];
+    $connection->autoflush;
+    next if <$connection> ne "LOGIN ann key\n";
+    print $connection $frame eq 'DENIED' ? "DENIED\n" : "OK 7\n";
+    next if $frame eq 'DENIED' || (<$connection> // '') !~ /^READ (wrong|[0-9])\n$/;
+    print $connection $frame;
 }
 END
     server=$!
@@ -84,14 +90,17 @@ refuses "--log-size" --log "$folder/log" --log-size 0
 refuses "a log command begins with -log" --log-command '-level 5'
 
 refuses_list "list.csv: names no device" '# nothing' ''
-refuses_list "list.csv:3: expected 4 fields" '# id, address, port, period' '' 'a, 127.0.0.1, 0'
-refuses_list "list.csv:1: empty id" ' , 127.0.0.1, 0, 1000'
-refuses_list "list.csv:2: id 'a'" 'a, 127.0.0.1, 0, 1000' 'a, 127.0.0.1, 0, 1000'
-refuses_list "list.csv:1: '127.0.0'" 'a, 127.0.0, 0, 1000'
-refuses_list "list.csv:1: '65536'" 'a, 127.0.0.1, 65536, 1000'
-refuses_list "list.csv:1: '-1'" 'a, 127.0.0.1, 80, -1'
-refuses_list "list.csv:1: '1s'" 'a, 127.0.0.1, 80, 1s'
-printf 'a, 127.0.0.1, 80, 1000\nb, ::1, 0, 1000\n' > "$folder/list.csv"
+refuses_list "list.csv:3: expected 6 fields" '# id, address, port, period, user, password' '' 'a, 127.0.0.1, 0, 1000'
+refuses_list "list.csv:1: empty id" ' , 127.0.0.1, 0, 1000, ann, key'
+refuses_list "list.csv:1: the id has blanks or more than 64" 'a b, 127.0.0.1, 0, 1000, ann, key'
+refuses_list "list.csv:1: the user has blanks or more than 64" "a, 127.0.0.1, 0, 1000, $(printf 'u%.0s' {1..65}), key"
+refuses_list "list.csv:1: empty password" 'a, 127.0.0.1, 0, 1000, ann,'
+refuses_list "list.csv:2: id 'a'" 'a, 127.0.0.1, 0, 1000, ann, key' 'a, 127.0.0.1, 0, 1000, ann, key'
+refuses_list "list.csv:1: '127.0.0'" 'a, 127.0.0, 0, 1000, ann, key'
+refuses_list "list.csv:1: '65536'" 'a, 127.0.0.1, 65536, 1000, ann, key'
+refuses_list "list.csv:1: '-1'" 'a, 127.0.0.1, 80, -1, ann, key'
+refuses_list "list.csv:1: '1s'" 'a, 127.0.0.1, 80, 1s, ann, key'
+printf 'a, 127.0.0.1, 80, 1000, ann, key\nb, ::1, 0, 1000, ann, key\n' > "$folder/list.csv"
 refuses "list.csv:2: port 0" --devices "$folder/list.csv" --no-simulate
 
 timeout 10 "$fleet" --help > "$folder/out" || failed "--help: exit code $?"
@@ -115,10 +124,18 @@ for change in "${changes[@]}"; do
 done
 [[ "$(grep -cE '  [+-][0-9]{2}:[0-9]{2}$' "$folder/out")" == 4 ]] || failed "--dst-rehearsal: not four local times"
 
-# Two fast devices, the slow one, and the one that drops its connection: the built-in list's places.
-for id in first second slow fourth fifth drops; do
-    echo "$id, 127.0.0.1, 0, 200"
-done > "$folder/list.csv"
+# The program without its module.
+mkdir "$folder/alone"
+cp "$fleet" "$folder/alone"
+code=0
+timeout 10 "$folder/alone/fleet" --seconds 1 > "$folder/out" 2>&1 || code=$?
+[[ $code == 1 ]] || failed "without its module: exit code $code"
+shows '^fleet: the module Stats\.so'
+
+# Devices that share a login, one whose password is wrong, and the slow one and the one that drops its connection at the built-in list's places.
+ann="0, 200, $(printf 'ann%.0s' {1..21})a, fleet"  # as long as a user may be
+printf '%s\n' "first, 127.0.0.1, $ann" "second, 127.0.0.1, $ann" "slow, 127.0.0.2, $ann" 'fourth, 127.0.0.1, 0, 200, bob, guess' \
+    "fifth, 127.0.0.1, $ann" "drops, 127.0.0.3, $ann" > "$folder/list.csv"
 timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 5 > "$folder/out" 2>&1 || failed "a run of 5 seconds: exit code $?"
 shows 'info .*\] first +-?[0-9]+\.[0-9]{2} C '
 shows 'warn .*\] drops +no answer'
@@ -130,6 +147,17 @@ last="$(sed -n '/Closing report/q; s/.*\] first .* ms  //p' "$folder/out" | tail
 [[ "$last" =~ ^[0-9]{4}(-[0-9]{2}){2}\ [0-9]{2}(:[0-9]{2}){2}$ ]] || failed "a reading is stamped '$last'"
 (($(date +%s) - $(date -d "$last" +%s) < 10)) || failed "a reading is stamped '$last', now is $(date)"
 sed -n '/Closing report/,$p' "$folder/out" | grep -qE "\] first .*  $last$" || failed "the closing report does not show $last"
+[[ "$(grep -oP 'info clients .*\] ann.* logged in at 127\.0\.0\.\K.(?=:[0-9]+, user 1$)' "$folder/out" | sort | xargs)" == '1 2 3' ]] ||
+    failed "not one login at each address"
+[[ "$(grep -cE 'info clients .*\] (second|fifth) shares the login of ann.* at 127\.0\.0\.1:[0-9]+$' "$folder/out")" == 2 ]] ||
+    failed "not two that share a login"
+shows 'info clients .*\] connection to 127\.0\.0\.3:[0-9]+ lost$'
+shows 'info clients .*\] ann.* logged in again at 127\.0\.0\.3:[0-9]+, user 1$'
+(($(grep -cE 'warn .*\] fourth +login refused: Component error: password not valid!$' "$folder/out") > 10)) ||
+    failed "a refused login is not told at each poll"
+shows '\] +4 Fleet::TcpClient$'
+shows '\] +5 Fleet::TcpSensor$'
+shows '\] +6 Fleet::Stats$'
 shows '\] size +1048576$'
 shows '\] free +1048576$'
 shows '\] most in use +[1-9][0-9]*$'
@@ -149,7 +177,7 @@ diff <(grep -v '^logfil*ter ' "$folder/out" | sort) <(cat "$folder/log/of fleet_
 (($(find "$folder/log" -name "of fleet_$(date +%Y)-*_*" | wc -l) >= 3)) || failed "log files: $(ls "$folder/log")"
 [[ "$(sed -n '/is no log command/,$p' "$folder/out" | grep -c ' ms  ')" == 0 ]] || failed "the module readings is not off"
 shows '^\[ info readings [0-9]+ \] first '
-shows '^\[ info fleet \]fleet: the packet pool is full'
+shows '^\[ info fleet \]fleet: all .* the packet pool is full'
 shows '\] readings +[1-9][0-9]*$'
 timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 1 --log "$folder/log/of fleet" --log-size 1 --log-files 2 > "$folder/out" 2>&1 ||
     failed "a second run with log files: exit code $?"
@@ -159,7 +187,7 @@ grep -qF 'packet pool is full' "$(find "$folder/log" -type f -printf '%T@ %p\n' 
 # Wrong answers: each is told, ends its connection, and leaves nothing behind in the pool.
 serve '\0\2' '\377\377' '\0\4\0001 C' '\0\4\0031 C' '\0\5\3oneC' '\0\5\3nanC' '\0\5\0031. C' '\0\3\0011\a' '\0\5\0031' \
     '\0\5\0031.5V'
-echo "wrong, 127.0.0.1, $port, 50" > "$folder/list.csv"
+echo "wrong, 127.0.0.1, $port, 50, ann, key" > "$folder/list.csv"
 timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 3 --format 'dd/MM/yy h:mm:ss tt' > "$folder/out" 2>&1 ||
     failed "wrong answers: exit code $?"
 shows 'warn .*\] wrong +a frame of 4 bytes$'
@@ -173,7 +201,19 @@ shows 'info .*\] wrong +1\.50 V .* ms  [0-9]{2}/[0-9]{2}/[0-9]{2} 1?[0-9]:[0-9]{
 grep 'info .* ms  ' "$folder/out" | grep -v ' wrong  *1\.50 V ' && failed "wrong answers pass for readings"
 shows 'the packet pool is full again'
 
-printf 'first, 127.0.0.1, 0, 200\n' > "$folder/list.csv"
+# More devices on one connection than are told of its loss, and a server that drops it after each answer and refuses every third login.
+serve DENIED '\0\5\0031.5V' '\0\5\0031.5V'
+printf "%s, 127.0.0.1, $port, 50, ann, key\n" {0..9} > "$folder/list.csv"
+timeout 30 "$fleet" --devices "$folder/list.csv" --seconds 3 > "$folder/out" 2>&1 || failed "a shared connection that drops: exit code $?"
+shows 'info .*\] [0-9] +1\.50 V '
+shows '\] 9 shares the login of ann'
+shows 'warn .*\] [0-9] +login refused: Component error: password not valid!$'
+logins="$(grep -c ' ann logged in' "$folder/out")"
+losses="$(grep -c " connection to 127.0.0.1:$port lost$" "$folder/out")"
+((losses > 1 && losses <= logins)) || failed "$losses losses of $logins logins are told"
+shows 'all component objects are released'
+
+printf 'first, 127.0.0.1, 0, 200, ann, fleet\n' > "$folder/list.csv"
 widest="$(printf 'hm%.0s' {1..32})"  # no template gives longer stamps
 for signal in INT TERM; do
     : > "$folder/out"  # the last run's readings would pass for this one's

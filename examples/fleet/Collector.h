@@ -1,6 +1,8 @@
-// Keeps count of the readings, device by device.
+// Keeps count of the readings, device by device; their values are left to a component each.
 #pragma once
 
+#include <component/Client.h>
+#include <component/ComPtr.h>
 #include <ortha/ortha3/ReadWriteMutex.h>
 #include <ortha/ortha3/Time.h>
 
@@ -8,19 +10,16 @@
 #include <vector>
 
 #include "Reading.h"
+#include "stats/IStatistics.h"
 
 namespace Fleet {
 
-/// One device's readings so far. The values mean something from the first reading on.
+/// One device's readings so far.
 struct Statistics
 {
-    unsigned long long readings = 0;
+    Figures values;
     unsigned long long errors = 0;
     unsigned long long reconnects = 0;
-    double last = 0;
-    double min = 0;
-    double max = 0;
-    double sum = 0;
     unsigned long long latencySum = 0;  ///< microseconds, of the readings
     unsigned long long latencyMax = 0;
     General::Ortha::CTime lastTime;
@@ -30,6 +29,7 @@ struct Statistics
 class Collector
 {
 public:
+    /// Throws std::runtime_error if the component that keeps the values cannot be had.
     explicit Collector(std::size_t devices);
 
     /// Adds a reading to the device's statistics.
@@ -39,7 +39,9 @@ public:
 
 private:
     mutable General::Ortha::CReadWriteMutex m_mutex;
-    std::vector<Statistics> m_statistics;  // under m_mutex
+    // Under m_mutex.
+    std::vector<Statistics> m_statistics;  // but their values, which the components keep
+    std::vector<General::Component::TComPtr<IStatistics>> m_values;
 };
 
 }  // namespace Fleet

@@ -13,8 +13,6 @@ std::string describe(const asio::error_code& error)
 
 }  // namespace
 
-Connection::Connection(asio::ip::tcp::endpoint device) : m_device(std::move(device)) {}
-
 template <class Start>
 void Connection::finish(Limit limit, const char* failure, Start start)
 {
@@ -36,9 +34,22 @@ void Connection::finish(Limit limit, const char* failure, Start start)
     throw std::runtime_error(std::string(failure) + ": " + describe(result));
 }
 
-void Connection::open(Limit limit)
+bool Connection::isBroken()
 {
-    finish(limit, "not connected", [this](auto done) { m_socket.async_connect(m_device, done); });
+    if (!isOpen())
+    {
+        return true;
+    }
+    char next = 0;
+    asio::error_code result;
+    m_socket.non_blocking(true, result);
+    m_socket.receive(asio::buffer(&next, 1), asio::socket_base::message_peek, result);
+    return result != asio::error::would_block;
+}
+
+void Connection::open(const asio::ip::tcp::endpoint& device, Limit limit)
+{
+    finish(limit, "not connected", [&](auto done) { m_socket.async_connect(device, done); });
 }
 
 void Connection::send(const std::string& bytes, Limit limit)
@@ -49,6 +60,19 @@ void Connection::send(const std::string& bytes, Limit limit)
 void Connection::receive(unsigned char* buffer, std::size_t size, Limit limit)
 {
     finish(limit, "no answer", [&](auto done) { asio::async_read(m_socket, asio::buffer(buffer, size), done); });
+}
+
+std::string Connection::receiveLine(std::size_t longest, Limit limit)
+{
+    std::string line;
+    finish(limit, "no answer", [&](auto done) { asio::async_read_until(m_socket, asio::dynamic_buffer(line, longest), '\n', done); });
+    if (line.find('\n') + 1 != line.size())
+    {
+        close();
+        throw std::runtime_error("more than a line for an answer");
+    }
+    line.pop_back();
+    return line;
 }
 
 void Connection::close()

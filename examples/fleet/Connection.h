@@ -15,13 +15,15 @@ class Connection
 public:
     using Limit = std::chrono::milliseconds;
 
-    explicit Connection(asio::ip::tcp::endpoint device);
-
     [[nodiscard]] bool isOpen() const { return m_socket.is_open(); }
-    void open(Limit limit);
+    /// Whether it is closed, or the peer has closed it, or has sent what nobody asked for. Does not wait.
+    [[nodiscard]] bool isBroken();
+    void open(const asio::ip::tcp::endpoint& device, Limit limit);
     void send(const std::string& bytes, Limit limit);
     /// Waits for exactly `size` bytes, and puts them at `buffer`.
     void receive(unsigned char* buffer, std::size_t size, Limit limit);
+    /// Waits for a line of at most `longest` bytes, and gives it without its end.
+    std::string receiveLine(std::size_t longest, Limit limit);
     void close();
 
 private:
@@ -29,7 +31,6 @@ private:
     template <class Start>
     void finish(Limit limit, const char* failure, Start start);
 
-    const asio::ip::tcp::endpoint m_device;
     asio::io_context m_io;
     asio::ip::tcp::socket m_socket{m_io};
 };

@@ -3,11 +3,14 @@
 #include <ortha/ortha3/File.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <charconv>
 #include <optional>
 #include <set>
 #include <sstream>
 #include <string_view>
+
+#include "Asio.h"
 
 using General::Ortha::CFile;
 
@@ -50,6 +53,17 @@ std::optional<Number> parse(std::string_view text)
 std::string quoted(std::string_view text)
 {
     return std::string("'").append(text).append("'");
+}
+
+// What is wrong with an id, a user or a password, which travel as words of a line; empty if nothing is. The password is not shown.
+std::string checkWord(const std::string& name, std::string_view word)
+{
+    if (word.empty())
+    {
+        return "empty " + name;
+    }
+    const bool blank = std::any_of(word.begin(), word.end(), [](unsigned char c) { return c <= ' ' || c == 0x7F; });
+    return blank || word.size() > maxWord ? "the " + name + " has blanks or more than " + std::to_string(maxWord) + " characters" : "";
 }
 
 std::string readFile(const std::string& path)
@@ -97,13 +111,16 @@ std::vector<Device> readDeviceList(const std::string& file)
             continue;
         }
         const std::vector<std::string_view> fields = split(line);
-        if (fields.size() != 4)
+        if (fields.size() != 6)
         {
-            refuse("expected 4 fields (id, address, port, period), found " + std::to_string(fields.size()));
+            refuse("expected 6 fields (id, address, port, period, user, password), found " + std::to_string(fields.size()));
         }
-        if (fields[0].empty())
+        for (const auto& [name, place] : {std::pair("id", 0), std::pair("user", 4), std::pair("password", 5)})
         {
-            refuse("empty id");
+            if (const std::string fault = checkWord(name, fields[static_cast<std::size_t>(place)]); !fault.empty())
+            {
+                refuse(fault);
+            }
         }
         if (!ids.emplace(fields[0]).second)
         {
@@ -125,7 +142,8 @@ std::vector<Device> readDeviceList(const std::string& file)
         {
             refuse(quoted(fields[3]) + " is not a period in milliseconds, a whole number from 1");
         }
-        devices.push_back({std::string(fields[0]), {address, *port}, *period, number});
+        devices.push_back(
+            {std::string(fields[0]), address.to_string(), *port, *period, std::string(fields[4]), std::string(fields[5]), number});
     }
     if (devices.empty())
     {

@@ -16,6 +16,7 @@ enum Level : int
     levelTrace = 5
 };
 
+constexpr const char* moduleClients = "clients";
 constexpr const char* moduleFleet = "fleet";
 constexpr const char* moduleReadings = "readings";
 constexpr const char* moduleReport = "report";

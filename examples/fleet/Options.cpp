@@ -35,7 +35,8 @@ std::optional<int> readOptions(int argc, char** argv, Options& options)
     unsigned int seconds = 0;
     bool simulate = false;
     bool noSimulate = false;
-    app.add_option("--devices", options.devices, "the list: id, address, port, period in milliseconds a line; # begins a comment")
+    app.add_option("--devices", options.devices,
+                   "the list: id, address, port, period in milliseconds, user, password a line; # begins a comment")
         ->option_text("FILE");
     CLI::Option* const all = app.add_flag("--simulate", simulate, "plays all devices itself; by default those of port 0");
     app.add_flag("--no-simulate", noSimulate, "plays none")->excludes(all);

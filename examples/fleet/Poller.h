@@ -1,14 +1,17 @@
-// Polls one device with the period of its timer and fires a signal with every reading.
+// Polls one device with the period of its timer and fires a signal with every reading. All it knows of the device is its id: who reads it, and by which
+// login, the component system tells.
 #pragma once
 
+#include <component/Component.h>
 #include <ortha/ortha3/Timer.h>
 
+#include <atomic>
 #include <cstddef>
+#include <string>
 
-#include "Connection.h"
-#include "DeviceList.h"
 #include "FramePool.h"
 #include "Reading.h"
+#include "Sensor.h"
 
 namespace Fleet {
 
@@ -16,25 +19,33 @@ class Poller
 {
 public:
     /// `number` is the device's place in the list. The pool and the signal must outlive the poller.
-    Poller(std::size_t number, const Device& device, FramePool& pool, ReadingSignal& signal);
+    Poller(std::size_t number, const std::string& id, unsigned int period, FramePool& pool, ReadingSignal& signal);
+    /// No poll may be under way, of this poller or another one that shares its client: it would tell this one of a lost connection.
+    ~Poller();
 
     /// Begins after `delay` milliseconds. False if the timer could not be started.
     bool start(unsigned int delay);
-    /// No further poll begins. One that is under way goes on; the destructor waits for it.
+    /// No further poll begins. One that is under way goes on.
     void stop();
+    /// Waits until none is under way.
+    void wait();
 
 private:
     void onTimer(unsigned long);
+    void onStatus(void* customData, General::Component::ClassID clsid, General::Component::TComPtr<General::Component::IClient> client,
+                  General::Component::IClient::Status status, int reason);
     Reading poll();
-    void ask(Reading& reading);
+    bool takeSensor();
 
     const std::size_t m_number;
+    const std::string m_id;
     const unsigned int m_period;
     FramePool& m_pool;
     ReadingSignal& m_signal;
-    Connection m_connection;
-    bool m_wasConnected = false;
-    General::Ortha::CTimer m_timer;  // last: it is the first to go, and waits until nobody uses the others
+    General::Component::TComPtr<ISensor> m_sensor;
+    General::Component::IClient* m_client = nullptr;  // m_sensor's, which holds it
+    std::atomic<bool> m_lost{true};                   // the client needs a login
+    General::Ortha::CTimer m_timer;
 };
 
 }  // namespace Fleet

@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <map>
 #include <string>
 #include <string_view>
 
+#include "Components.h"
 #include "Frame.h"
 #include "Log.h"
 #include "Stamp.h"
@@ -84,22 +86,22 @@ void Reporter::logStatistics(const char* title)
         const Statistics& device = statistics[i];
         char values[96] = "";
         std::string lastReading;
-        if (device.readings != 0)
+        if (device.values.count != 0)
         {
-            const double count = static_cast<double>(device.readings);
-            std::snprintf(values, sizeof(values), " %7.2f %7.2f %7.2f %7.2f %9.1f %7.1f", device.last, device.min, device.max,
-                          device.sum / count, milliseconds(static_cast<double>(device.latencySum) / count),
+            const double count = static_cast<double>(device.values.count);
+            std::snprintf(values, sizeof(values), " %7.2f %7.2f %7.2f %7.2f %9.1f %7.1f", device.values.last, device.values.min,
+                          device.values.max, device.values.mean, milliseconds(static_cast<double>(device.latencySum) / count),
                           milliseconds(static_cast<double>(device.latencyMax)));
             lastReading = "  " + stamp(device.lastTime);
         }
         // A row is one call: texts of other threads can stand between two.
-        logLibName(levelInfo, moduleReport, " %-*s %8llu %6llu %10llu%s%s\n", m_idWidth, m_devices[i].id.c_str(), device.readings,
+        logLibName(levelInfo, moduleReport, " %-*s %8llu %6llu %10llu%s%s\n", m_idWidth, m_devices[i].id.c_str(), device.values.count,
                    device.errors, device.reconnects, values, lastReading.c_str());
-        total.readings += device.readings;
+        total.values.count += device.values.count;
         total.errors += device.errors;
         total.reconnects += device.reconnects;
     }
-    logLibName(levelInfo, moduleReport, " %-*s %8llu %6llu %10llu\n\n", m_idWidth, "together", total.readings, total.errors,
+    logLibName(levelInfo, moduleReport, " %-*s %8llu %6llu %10llu\n\n", m_idWidth, "together", total.values.count, total.errors,
                total.reconnects);
 }
 
@@ -110,6 +112,18 @@ void Reporter::logPool(const FramePool& pool)
     logLibName(levelInfo, moduleReport, " %-*s %8zu\n", m_idWidth, "size", pool.size());
     logLibName(levelInfo, moduleReport, " %-*s %8zu\n", m_idWidth, "free", pool.freeSize());
     logLibName(levelInfo, moduleReport, " %-*s %8zu\n\n", m_idWidth, "most in use", pool.highWater());
+}
+
+void Reporter::logObjects()
+{
+    const std::map<std::string, int> objects = liveObjects();
+    CGuard guard(m_output);
+    logLibName(levelInfo, moduleReport, "Component objects:\n");
+    for (const auto& [name, count] : objects)
+    {
+        logLibName(levelInfo, moduleReport, " %4d %s\n", count, name.c_str());
+    }
+    logLibName(levelInfo, moduleReport, "\n");
 }
 
 void Reporter::logLog()

@@ -28,6 +28,8 @@ public:
     void logStatistics(const char* title);
     /// Logs how much of the pool is and was in use. Any thread.
     void logPool(const FramePool& pool);
+    /// Logs how many component objects of each class there are. Any thread.
+    void logObjects();
     /// Logs how much each module has logged. Any thread.
     void logLog();
 

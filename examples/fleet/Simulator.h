@@ -1,19 +1,22 @@
-// Plays devices: real TCP servers on the loopback address, all in one thread. Each answers every line it is sent with a frame that holds a temperature.
+// Plays devices behind real TCP servers, all in one thread: one server for each address, on that address if it is a loopback one, else on 127.0.0.1. A reading
+// is a temperature. Every user with the password "fleet" may log in; the users' ids are numbers from 1.
 //
-// The third one is slow: its answers take 1.5 seconds. The sixth drops its connection instead of every third answer.
+// The third device is slow: its answers take 1.5 seconds. The sixth drops the connection instead of every third answer.
 #pragma once
 
 #include <ortha/ortha3/Thread.h>
 
 #include <cstddef>
+#include <map>
 #include <memory>
-#include <vector>
+#include <string>
 
 #include "Asio.h"
+#include "DeviceList.h"
 
 namespace Fleet {
 
-class SimulatedDevice;
+class SimulatedServer;
 
 /// Add the devices before createThread; no operation but those of CThread afterwards.
 class Simulator : public General::Ortha::CThread
@@ -22,15 +25,17 @@ public:
     Simulator();
     ~Simulator() override;
 
-    /// Adds a device and tells where it listens; the system chooses the port. Throws std::system_error if the system gives none.
-    asio::ip::tcp::endpoint addDevice();
-    [[nodiscard]] std::size_t devices() const { return m_devices.size(); }
+    /// Adds a device and tells it where its server listens; the system chooses the port. Throws std::system_error if the system gives none.
+    void addDevice(Device& device);
+    [[nodiscard]] std::size_t devices() const { return m_devices; }
 
 private:
     void threadProc() override;
 
     asio::io_context m_io;
-    std::vector<std::unique_ptr<SimulatedDevice>> m_devices;
+    std::size_t m_devices = 0;
+    std::map<std::string, int> m_users;                                 // their ids
+    std::map<std::string, std::unique_ptr<SimulatedServer>> m_servers;  // by the address in the list
 };
 
 }  // namespace Fleet

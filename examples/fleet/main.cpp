@@ -1,4 +1,4 @@
-// fleet: polls a fleet of devices over TCP, one timer each, and reports what they measure.
+// fleet: polls a fleet of devices over TCP, one timer and one component each, and reports what they measure.
 
 #include <ortha/ortha3/ThreadManager.h>
 #include <ortha/ortha3/Time.h>
@@ -7,10 +7,13 @@
 #include <cstdio>
 #include <deque>
 #include <exception>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "Asio.h"
 #include "Collector.h"
+#include "Components.h"
 #include "Console.h"
 #include "DeviceList.h"
 #include "DstRehearsal.h"
@@ -53,11 +56,11 @@ void simulate(const Options& options, std::vector<Device>& devices, Simulator& s
 {
     for (Device& device : devices)
     {
-        if (options.simulate.value_or(device.endpoint.port() == 0))
+        if (options.simulate.value_or(device.port == 0))
         {
-            device.endpoint = simulator.addDevice();
+            simulator.addDevice(device);
         }
-        else if (device.endpoint.port() == 0)
+        else if (device.port == 0)
         {
             throw DeviceListError(options.devices, device.line, "port 0 is for simulated devices");
         }
@@ -88,30 +91,38 @@ std::string waitForStop(asio::io_context& io, asio::signal_set& signals, std::ch
     return reason;
 }
 
-int run(const Options& options)
+// A lost connection is told to all pollers that share it: none may go while another one polls.
+class Pollers : public std::deque<Poller>  // a poller stays where it is made
 {
-    configureLog(options);
-    General::Ortha::CTime::setFormatString(options.format.c_str());
-    if (options.dstRehearsal)
-    {
-        rehearseDst();
-        return 0;
-    }
-    std::vector<Device> devices = readDeviceList(options.devices);
-    Simulator simulator;
-    simulate(options, devices, simulator);
+public:
+    ~Pollers() { stop(); }
 
+    // No poll is under way when it returns.
+    void stop()
+    {
+        for (Poller& poller : *this)
+        {
+            poller.stop();
+        }
+        for (Poller& poller : *this)
+        {
+            poller.wait();
+        }
+    }
+};
+
+// Polls until it is time to stop, and closes with the report. All that holds components is gone when this returns.
+void poll(const Options& options, const std::vector<Device>& devices, Simulator& simulator, FramePool& pool)
+{
     // From here on a signal is kept for waitForStop. A second one while the program stops changes nothing.
     asio::io_context io;
     asio::signal_set signals(io, SIGINT, SIGTERM);
 
-    General::Ortha::CThreadManager::instance()->registerMainThread();
-    FramePool pool;  // before anything makes a packet
+    Collector collector(devices.size());
     const std::string end = options.runTime.count() == 0 ? "Ctrl-C stops" : "stops after " + std::to_string(options.runTime.count()) + " s";
     logLibName(levelInfo, moduleFleet, "fleet: %zu devices of %s, %zu of them simulated; %s.\n\n", devices.size(), options.devices.c_str(),
                simulator.devices(), end.c_str());
 
-    Collector collector(devices.size());
     Reporter reporter(devices, collector);
     ReadingSignal readings(2);
     readings.attach(ReadingSignal::Proc(&Collector::onReading, &collector));
@@ -121,10 +132,10 @@ int run(const Options& options)
     {
         throw std::runtime_error("the simulator does not start");
     }
-    std::deque<Poller> pollers;  // a poller stays where it is made
+    Pollers pollers;
     for (std::size_t i = 0; i < devices.size(); ++i)
     {
-        Poller& poller = pollers.emplace_back(i, devices[i], pool, readings);
+        Poller& poller = pollers.emplace_back(i, devices[i].id, devices[i].period, pool, readings);
         constexpr unsigned int spread = 50;  // the first polls do not all come at once
         poller.start(1 + static_cast<unsigned int>(i % 20) * spread);
     }
@@ -141,21 +152,38 @@ int run(const Options& options)
 
     const std::string reason = waitForStop(io, signals, options.runTime);
     logLibName(levelInfo, moduleFleet, "fleet: %s, stopping.\n", reason.c_str());
-    for (Poller& poller : pollers)
-    {
-        poller.stop();
-    }
     reporter.destroyThread();
-    pollers.clear();
+    pollers.stop();
     reporter.logStatistics("Closing report:");
     reporter.logPool(pool);
+    reporter.logObjects();
     reporter.logLog();
+}
+
+int run(const Options& options)
+{
+    configureLog(options);
+    General::Ortha::CTime::setFormatString(options.format.c_str());
+    if (options.dstRehearsal)
+    {
+        rehearseDst();
+        return 0;
+    }
+    std::vector<Device> devices = readDeviceList(options.devices);
+    Simulator simulator;
+    simulate(options, devices, simulator);
+
+    General::Ortha::CThreadManager::instance()->registerMainThread();
+    FramePool pool;  // before anything makes a packet
+    startComponents(devices);
+    poll(options, devices, simulator, pool);
     // No poll is under way and nobody keeps a reading: a packet that is still out has been lost.
     if (const std::size_t lost = pool.size() - pool.freeSize(); lost != 0)
     {
         throw std::runtime_error(std::to_string(lost) + " bytes of the packet pool have not come back");
     }
-    logLibName(levelInfo, moduleFleet, "fleet: the packet pool is full again.\n");
+    endComponents();
+    logLibName(levelInfo, moduleFleet, "fleet: all component objects are released, and the packet pool is full again.\n");
     return 0;
 }
 

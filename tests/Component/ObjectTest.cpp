@@ -54,13 +54,6 @@ struct Key : Detail::key_base
     mutable std::atomic<int> asked{0};
 };
 
-int countOf(const char* className)
-{
-    std::map<Ortha::string, int> counts{{className, 99}};
-    EXPECT_TRUE(getComponentCountInfo(counts));
-    return counts[className];
-}
-
 // How many references an object has.
 int refs(IUnknown* object)
 {
