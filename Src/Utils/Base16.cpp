@@ -1,0 +1,106 @@
+#include "utils/Base16.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#include "ortha/ortha3/PrintLog.h"
+
+namespace General::Utils {
+
+namespace {
+
+constexpr char digits[] = "0123456789ABCDEF";
+
+constexpr auto pairs = [] {
+    std::array<std::array<char, 2>, 256> table{};
+    for (std::size_t byte = 0; byte < 256; ++byte)
+    {
+        table[byte] = {digits[byte >> 4], digits[byte & 15]};
+    }
+    return table;
+}();
+
+constexpr std::uint8_t noDigit = 0xFF;
+
+constexpr auto values = [] {
+    std::array<std::uint8_t, 256> table{};
+    table.fill(noDigit);
+    for (std::uint8_t value = 0; value < 16; ++value)
+    {
+        const auto digit = static_cast<unsigned char>(digits[value]);
+        table[digit] = value;
+        table[digit | 0x20] = value;  // lower case; the decimal digits stay what they are
+    }
+    return table;
+}();
+
+// Whether all are digits; else some of `destination` may be written.
+bool decode(const char* source, std::size_t count, unsigned char* destination)
+{
+    for (; count != 0; --count, source += 2, ++destination)
+    {
+        const unsigned int high = values[static_cast<unsigned char>(source[0])];
+        const unsigned int low = values[static_cast<unsigned char>(source[1])];
+        if ((high | low) > 15)
+        {
+            return false;
+        }
+        *destination = static_cast<unsigned char>(high << 4 | low);
+    }
+    return true;
+}
+
+}  // namespace
+
+std::size_t base16Encode(const unsigned char* source, std::size_t sourceLength, char* destination, std::size_t destinationLength)
+{
+    if (!source)
+    {
+        ::logWarn("The source data is NULL\n");
+        return 0;
+    }
+    if (!destination || sourceLength == 0 || destinationLength == 0 || (destinationLength - 1) / 2 < sourceLength)
+    {
+        ::logWarn("dst space is not enough or NULL\n");
+        return 0;
+    }
+    for (std::size_t i = 0; i < sourceLength; ++i)
+    {
+        std::memcpy(destination + 2 * i, pairs[source[i]].data(), 2);
+    }
+    std::memset(destination + 2 * sourceLength, 0, destinationLength - 2 * sourceLength);
+    return static_cast<std::size_t>(static_cast<std::int32_t>(static_cast<std::uint32_t>(2 * sourceLength + 1)));
+}
+
+std::size_t base16Decode(const char* source, std::size_t sourceLength, unsigned char* destination, std::size_t destinationLength)
+{
+    if (!source)
+    {
+        ::logWarn("The source data is NULL\n");
+        return 0;
+    }
+    if (sourceLength == 0 || sourceLength % 2 != 0)
+    {
+        ::logWarn("The source data length is wrong\n");
+        return 0;
+    }
+    const std::size_t count = sourceLength / 2;
+    if (!destination || destinationLength < count)
+    {
+        ::logWarn("dst space is not enough or NULL\n");
+        return 0;
+    }
+    if (!decode(source, count, destination))
+    {
+        ::logWarn("The source data is not base16 encoding\n");
+        std::memset(destination, 0, destinationLength);
+        ::logWarn("base16 decode failed\n");
+        return 0;
+    }
+    std::memset(destination + count, 0, destinationLength - count);
+    return count;
+}
+
+}  // namespace General::Utils

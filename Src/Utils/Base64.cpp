@@ -1,0 +1,141 @@
+#include "utils/Base64.h"
+
+#include <array>
+#include <cstdint>
+
+namespace General::Utils {
+
+namespace {
+
+constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+constexpr std::uint8_t noValue = 0xFF;
+
+constexpr auto values = [] {
+    std::array<std::uint8_t, 256> table{};
+    table.fill(noValue);
+    for (std::uint8_t value = 0; value < 64; ++value)
+    {
+        table[static_cast<unsigned char>(alphabet[value])] = value;
+    }
+    return table;
+}();
+
+std::uint32_t valueOf(char character)
+{
+    return values[static_cast<unsigned char>(character)];
+}
+
+// How many characters of the alphabet a text begins with, of `limit` at most.
+std::size_t countOf(const char* source, std::size_t limit)
+{
+    std::size_t count = 0;
+    while (count < limit && valueOf(source[count]) != noValue)
+    {
+        ++count;
+    }
+    return count;
+}
+
+std::size_t spaceFor(std::size_t count)
+{
+    return (count + 3) / 4 * 3 + 1;
+}
+
+// The bytes of `count` characters of the alphabet, with a zero byte behind.
+std::size_t decode(char* destination, const char* source, std::size_t count)
+{
+    char* at = destination;
+    for (; count >= 4; count -= 4, source += 4)
+    {
+        const std::uint32_t bits = valueOf(source[0]) << 18 | valueOf(source[1]) << 12 | valueOf(source[2]) << 6 | valueOf(source[3]);
+        *at++ = static_cast<char>(bits >> 16);
+        *at++ = static_cast<char>(bits >> 8);
+        *at++ = static_cast<char>(bits);
+    }
+    if (count >= 2)
+    {
+        *at++ = static_cast<char>(valueOf(source[0]) << 2 | valueOf(source[1]) >> 4);
+    }
+    if (count == 3)
+    {
+        *at++ = static_cast<char>(valueOf(source[1]) << 4 | valueOf(source[2]) >> 2);
+    }
+    *at = 0;
+    return static_cast<std::size_t>(at - destination);
+}
+
+constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
+
+}  // namespace
+
+int base64EncodeLen(int length)
+{
+    return static_cast<int>((static_cast<std::int64_t>(length) + 2) / 3 * 4 + 1);
+}
+
+int base64Encode(char* destination, const char* source, int length)
+{
+    return length < 1 ? 0 : static_cast<int>(base64EncodeEx(destination, source, static_cast<std::size_t>(length)));
+}
+
+int base64DecodeLen(const char* source)
+{
+    return static_cast<int>(base64DecodeLenEx(source));
+}
+
+int base64Decode(char* destination, const char* source)
+{
+    return static_cast<int>(base64DecodeEx(destination, source));
+}
+
+std::size_t base64EncodeLenEx(std::size_t length)
+{
+    return (length + 2) / 3 * 4 + 1;
+}
+
+std::size_t base64EncodeEx(char* destination, const char* source, std::size_t length)
+{
+    const auto* from = reinterpret_cast<const unsigned char*>(source);
+    char* at = destination;
+    for (; length >= 3; length -= 3, from += 3)
+    {
+        const std::uint32_t bits = static_cast<std::uint32_t>(from[0] << 16 | from[1] << 8 | from[2]);
+        *at++ = alphabet[bits >> 18];
+        *at++ = alphabet[bits >> 12 & 63];
+        *at++ = alphabet[bits >> 6 & 63];
+        *at++ = alphabet[bits & 63];
+    }
+    if (length != 0)
+    {
+        const std::uint32_t bits = static_cast<std::uint32_t>(from[0] << 16 | (length == 2 ? from[1] << 8 : 0));
+        *at++ = alphabet[bits >> 18];
+        *at++ = alphabet[bits >> 12 & 63];
+        *at++ = length == 2 ? alphabet[bits >> 6 & 63] : '=';
+        *at++ = '=';
+    }
+    *at++ = 0;
+    return static_cast<std::size_t>(at - destination);
+}
+
+std::size_t base64DecodeLenEx(const char* source)
+{
+    return spaceFor(countOf(source, noLimit));
+}
+
+std::size_t base64DecodeEx(char* destination, const char* source)
+{
+    return decode(destination, source, countOf(source, noLimit));
+}
+
+std::size_t base64DecodeLenEx2(const char* source, std::size_t length)
+{
+    return spaceFor(countOf(source, length));
+}
+
+std::size_t base64DecodeEx2(char* destination, const char* source, std::size_t length)
+{
+    return decode(destination, source, countOf(source, length));
+}
+
+}  // namespace General::Utils
