@@ -10,6 +10,22 @@ endif()
 # Globbed, here and for tests, benchmarks and examples: whatever lies in a folder belongs to it, and no list repeats the folder.
 file(GLOB ortha_sources CONFIGURE_DEPENDS
     ${ortha_platform}/*.cpp Src/*.cpp Src/Ortha3/*.cpp Src/Memory/*.cpp Src/Component/*.cpp Src/Utils/*.cpp Src/Utils/*/*.cpp)
+# The processor's own instructions: chosen at run time, each file compiled for those that it uses.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$" AND NOT MSVC AND NOT ORTHA_PORTABLE_UTILS)
+    list(FILTER ortha_sources EXCLUDE REGEX "/Src/Utils/portable/")
+    set(ortha_AesNi -maes -msse4.1)
+    set(ortha_Vaes ${ortha_AesNi} -mvaes -mavx512f -mavx512bw)
+    set(ortha_Sha1Ni -msha -msse4.1)
+    set(ortha_CrcMultiply -mpclmul -msse4.1)
+    set(ortha_CrcMultiplyWide ${ortha_CrcMultiply} -mvpclmulqdq -mavx512f)
+    foreach(name AesNi Vaes Sha1Ni CrcMultiply CrcMultiplyWide)
+        # g++ 12 takes its own intrinsics for uninitialised.
+        set_source_files_properties(${PROJECT_SOURCE_DIR}/Src/Utils/x86/${name}.cpp PROPERTIES COMPILE_OPTIONS
+            "${ortha_${name}};-O3;$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>")
+    endforeach()
+else()
+    list(FILTER ortha_sources EXCLUDE REGEX "/Src/Utils/x86/")
+endif()
 
 add_library(ortha_objects OBJECT ${ortha_sources})
 ortha_target(ortha_objects)

@@ -2,8 +2,10 @@
 
 #include <array>
 #include <cstdint>
+#include <utility>
 
 #include "Src/Utils/Bytes.h"
+#include "Src/Utils/Crc32Update.h"
 
 namespace General::Utils {
 
@@ -40,18 +42,25 @@ constexpr auto tables16 = makeTables<std::uint16_t, slices>(0xA001);
 constexpr auto tables32 = makeTables<std::uint32_t, slices>(0xEDB88320);
 
 template <class Word>
-Word update(const std::array<std::array<Word, 256>, slices>& tables, Word crc, const unsigned char* data, std::size_t length)
+using Tables = std::array<std::array<Word, 256>, slices>;
+
+constexpr std::make_index_sequence<8> indexes;
+
+// Eight bytes, of which the last has `Behind` bytes behind it.
+template <std::size_t Behind, class Word, std::size_t... Index>
+Word takeEight(const Tables<Word>& tables, std::uint64_t bytes, std::index_sequence<Index...>)
+{
+    return static_cast<Word>((tables[Behind + 7 - Index][bytes >> (8 * Index) & 0xFF] ^ ...));
+}
+
+template <class Word>
+Word update(const Tables<Word>& tables, Word crc, const unsigned char* data, std::size_t length)
 {
     for (; length >= slices; data += slices, length -= slices)
     {
-        std::uint64_t low = loadLittle<std::uint64_t>(data) ^ crc;
-        std::uint64_t high = loadLittle<std::uint64_t>(data + 8);
-        Word next = 0;
-        for (std::size_t i = 0; i < 8; ++i, low >>= 8, high >>= 8)
-        {
-            next = static_cast<Word>(next ^ tables[slices - 1 - i][low & 0xFF] ^ tables[slices - 9 - i][high & 0xFF]);
-        }
-        crc = next;
+        const std::uint64_t low = loadLittle<std::uint64_t>(data) ^ crc;
+        const std::uint64_t high = loadLittle<std::uint64_t>(data + 8);
+        crc = static_cast<Word>(takeEight<8>(tables, low, indexes) ^ takeEight<0>(tables, high, indexes));
     }
     for (; length != 0; ++data, --length)
     {
@@ -60,7 +69,19 @@ Word update(const std::array<std::array<Word, 256>, slices>& tables, Word crc, c
     return crc;
 }
 
+Crc32Update fastestCrc32()
+{
+    const Crc32Update wide = crc32MultiplyingWide();
+    const Crc32Update narrow = crc32Multiplying();
+    return wide ? wide : narrow ? narrow : crc32Portable;
+}
+
 }  // namespace
+
+std::uint32_t crc32Portable(std::uint32_t crc, const unsigned char* data, std::size_t length)
+{
+    return update<std::uint32_t>(tables32, crc, data, length);
+}
 
 unsigned short crc16(unsigned short crc, const unsigned char* data, std::size_t length)
 {
@@ -74,7 +95,8 @@ unsigned int crc32(const unsigned char* data, std::size_t length)
 
 unsigned int crc32(unsigned int crc, const unsigned char* data, std::size_t length)
 {
-    return ~update<std::uint32_t>(tables32, ~crc, data, length);
+    static const Crc32Update s_update = fastestCrc32();
+    return ~s_update(~crc, data, length);
 }
 
 }  // namespace General::Utils

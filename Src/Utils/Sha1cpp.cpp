@@ -5,6 +5,7 @@
 #include "utils/Sha1.h"
 
 #include "Src/Utils/Digest.h"
+#include "Src/Utils/Sha1Blocks.h"
 
 namespace General::Utils {
 
@@ -12,13 +13,14 @@ namespace {
 
 struct Sha1Algorithm
 {
-    struct State
-    {
-        std::uint32_t words[5];
-    };
+    using State = Sha1State;
 
     static void begin(State& state) { state = {{0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476, 0xc3d2e1f0}}; }
-    static void process(State& state, const unsigned char* data, std::size_t blocks);
+    static void process(State& state, const unsigned char* data, std::size_t blocks)
+    {
+        static const Sha1Blocks s_blocks = sha1Hardware() ? sha1Hardware() : sha1Portable;
+        s_blocks(state, data, blocks);
+    }
     static void storeLength(unsigned char* bytes, std::uint64_t bits) { storeBig(bytes, bits); }
     static void storeDigest(unsigned char* digest, const State& state)
     {
@@ -89,7 +91,9 @@ inline void steps(Schedule& schedule, std::uint32_t& a, std::uint32_t& b, std::u
     }
 }
 
-void Sha1Algorithm::process(State& state, const unsigned char* data, std::size_t blocks)
+}  // namespace
+
+void sha1Portable(Sha1State& state, const unsigned char* data, std::size_t blocks)
 {
     auto [a, b, c, d, e] = state.words;
     for (; blocks != 0; --blocks, data += 64)
@@ -106,8 +110,6 @@ void Sha1Algorithm::process(State& state, const unsigned char* data, std::size_t
     }
     state = {{a, b, c, d, e}};
 }
-
-}  // namespace
 
 struct CSha1::Internal : Digest<Sha1Algorithm, CSha1::digestSize>
 {

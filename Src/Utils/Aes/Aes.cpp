@@ -8,7 +8,7 @@
 
 #include "ortha/ortha3/PrintLog.h"
 
-#include "Src/Utils/Aes/AesCipher.h"
+#include "Src/Utils/Aes/AesEngine.h"
 #include "Src/Utils/Bytes.h"
 
 namespace General::Utils {
@@ -34,24 +34,6 @@ namespace {
 void takeIv(unsigned char (&to)[blockSize], const unsigned char* iv)
 {
     iv ? std::memcpy(to, iv, blockSize) : std::memset(to, 0, blockSize);
-}
-
-void exclusiveOr(unsigned char* output, const unsigned char* a, const unsigned char* b)
-{
-    std::uint64_t left[2];
-    std::uint64_t right[2];
-    std::memcpy(left, a, blockSize);
-    std::memcpy(right, b, blockSize);
-    left[0] ^= right[0];
-    left[1] ^= right[1];
-    std::memcpy(output, left, blockSize);
-}
-
-void increment(unsigned char (&counter)[blockSize])
-{
-    for (std::size_t i = blockSize; i-- != 0 && ++counter[i] == 0;)
-    {
-    }
 }
 
 // What the modes share: the schedule for encrypting, and the tests before the work.
@@ -123,10 +105,8 @@ public:
 protected:
     void run(bool encrypts, unsigned char* output, const unsigned char* input, std::size_t length) override
     {
-        for (; length != 0; length -= blockSize, output += blockSize, input += blockSize)
-        {
-            encrypts ? encryptBlock(encrypting, output, input) : decryptBlock(decrypting, output, input);
-        }
+        encrypts ? engine().encrypt(encrypting, output, input, length / blockSize)
+                 : engine().decrypt(decrypting, output, input, length / blockSize);
     }
 };
 
@@ -141,23 +121,8 @@ public:
 protected:
     void run(bool encrypts, unsigned char* output, const unsigned char* input, std::size_t length) override
     {
-        for (; length != 0; length -= blockSize, output += blockSize, input += blockSize)
-        {
-            unsigned char block[blockSize];
-            if (encrypts)
-            {
-                exclusiveOr(block, input, iv);
-                encryptBlock(encrypting, iv, block);
-                std::memcpy(output, iv, blockSize);
-            }
-            else
-            {
-                std::memcpy(block, input, blockSize);  // the output may take its place
-                decryptBlock(decrypting, output, block);
-                exclusiveOr(output, output, iv);
-                std::memcpy(iv, block, blockSize);
-            }
-        }
+        encrypts ? engine().cbcEncrypt(encrypting, iv, output, input, length / blockSize)
+                 : engine().cbcDecrypt(decrypting, iv, output, input, length / blockSize);
     }
 
 private:
@@ -175,99 +140,96 @@ public:
 protected:
     void run(bool encrypts, unsigned char* output, const unsigned char* input, std::size_t length) override
     {
-        for (; length != 0; --length)
-        {
-            unsigned char block[blockSize];
-            encryptBlock(encrypting, block, iv);
-            const unsigned char taken = *input++;
-            const auto given = static_cast<unsigned char>(taken ^ block[0]);
-            *output++ = given;
-            std::memmove(iv, iv + 1, blockSize - 1);
-            iv[blockSize - 1] = encrypts ? given : taken;
-        }
+        (encrypts ? engine().cfb8Encrypt : engine().cfb8Decrypt)(encrypting, iv, output, input, length);
     }
 
 private:
     unsigned char iv[blockSize];
 };
 
-class CAesCFB128 : public Mode
+// Streams: the rest of a block that was begun, whole blocks, and the beginning of another.
+class StreamMode : public Mode
 {
 public:
-    CAesCFB128(const unsigned char* key, int bits, const unsigned char* start) : Mode("AesCFB128 key is NULL\n", key, bits)
-    {
-        takeIv(iv, start);
-    }
+    using Mode::Mode;
 
 protected:
     void run(bool encrypts, unsigned char* output, const unsigned char* input, std::size_t length) override
     {
         while (length != 0)
         {
-            if (ivOffset == 0)
+            if (const std::size_t blocks = offset == 0 ? length / blockSize : 0)
             {
-                encryptBlock(encrypting, iv, iv);
-            }
-            if (ivOffset == 0 && length >= blockSize)
-            {
-                unsigned char block[blockSize];
-                std::memcpy(block, input, blockSize);
-                exclusiveOr(output, block, iv);
-                std::memcpy(iv, encrypts ? output : block, blockSize);
-                output += blockSize;
-                input += blockSize;
-                length -= blockSize;
+                whole(encrypts, output, input, blocks);
+                output += blocks * blockSize;
+                input += blocks * blockSize;
+                length -= blocks * blockSize;
                 continue;
             }
-            const unsigned char taken = *input++;
-            const auto given = static_cast<unsigned char>(taken ^ iv[ivOffset]);
-            *output++ = given;
-            iv[ivOffset] = encrypts ? given : taken;
-            ivOffset = (ivOffset + 1) % blockSize;
+            if (offset == 0)
+            {
+                begin();
+            }
+            *output++ = byte(encrypts, *input++);
+            offset = (offset + 1) % blockSize;
             --length;
         }
     }
 
+    virtual void whole(bool encrypts, unsigned char* output, const unsigned char* input, std::size_t blocks) = 0;
+    virtual void begin() = 0;
+    virtual unsigned char byte(bool encrypts, unsigned char taken) = 0;
+
+    std::size_t offset = 0;
+};
+
+class CAesCFB128 : public StreamMode
+{
+public:
+    CAesCFB128(const unsigned char* key, int bits, const unsigned char* start) : StreamMode("AesCFB128 key is NULL\n", key, bits)
+    {
+        takeIv(iv, start);
+    }
+
+protected:
+    void whole(bool encrypts, unsigned char* output, const unsigned char* input, std::size_t blocks) override
+    {
+        (encrypts ? engine().cfb128Encrypt : engine().cfb128Decrypt)(encrypting, iv, output, input, blocks);
+    }
+    void begin() override { engine().encrypt(encrypting, iv, iv, 1); }
+    unsigned char byte(bool encrypts, unsigned char taken) override
+    {
+        const auto given = static_cast<unsigned char>(taken ^ iv[offset]);
+        iv[offset] = encrypts ? given : taken;
+        return given;
+    }
+
 private:
-    std::size_t ivOffset = 0;
     unsigned char iv[blockSize];
 };
 
-class CAesCTR : public Mode
+class CAesCTR : public StreamMode
 {
 public:
-    CAesCTR(const unsigned char* key, int bits, const unsigned char* start) : Mode("AesCTR key is NULL\n", key, bits)
+    CAesCTR(const unsigned char* key, int bits, const unsigned char* start) : StreamMode("AesCTR key is NULL\n", key, bits)
     {
         takeIv(counter, start);
     }
     ~CAesCTR() override { wipe(streamBlock, sizeof(streamBlock)); }
 
 protected:
-    void run(bool, unsigned char* output, const unsigned char* input, std::size_t length) override
+    void whole(bool, unsigned char* output, const unsigned char* input, std::size_t blocks) override
     {
-        while (length != 0)
-        {
-            if (counterOffset == 0)
-            {
-                encryptBlock(encrypting, streamBlock, counter);
-                increment(counter);
-            }
-            if (counterOffset == 0 && length >= blockSize)
-            {
-                exclusiveOr(output, input, streamBlock);
-                output += blockSize;
-                input += blockSize;
-                length -= blockSize;
-                continue;
-            }
-            *output++ = static_cast<unsigned char>(*input++ ^ streamBlock[counterOffset]);
-            counterOffset = (counterOffset + 1) % blockSize;
-            --length;
-        }
+        engine().ctr(encrypting, counter, output, input, blocks);
     }
+    void begin() override
+    {
+        std::memset(streamBlock, 0, blockSize);
+        engine().ctr(encrypting, counter, streamBlock, streamBlock, 1);
+    }
+    unsigned char byte(bool, unsigned char taken) override { return static_cast<unsigned char>(taken ^ streamBlock[offset]); }
 
 private:
-    std::size_t counterOffset = 0;
     unsigned char counter[blockSize];
     unsigned char streamBlock[blockSize] = {};
 };

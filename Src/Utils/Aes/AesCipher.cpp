@@ -134,6 +134,14 @@ void transform(const Schedule& schedule, const std::array<Words, 4>& tables, con
     }
 }
 
+void storeBytes(Schedule& schedule)
+{
+    for (std::size_t i = 0; i < 60; ++i)
+    {
+        storeBig(schedule.bytes + 4 * i, schedule.keys[i]);
+    }
+}
+
 }  // namespace
 
 bool makeEncryptSchedule(Schedule& schedule, const unsigned char* key, int bits)
@@ -165,6 +173,7 @@ bool makeEncryptSchedule(Schedule& schedule, const unsigned char* key, int bits)
         }
         schedule.keys[i] = schedule.keys[i - words] ^ word;
     }
+    storeBytes(schedule);
     return true;
 }
 
@@ -180,6 +189,7 @@ void makeDecryptSchedule(Schedule& schedule, const Schedule& encrypting)
             schedule.keys[4 * round + i] = round == 0 || round == schedule.rounds ? word : mix(backward, box, box, box, box);
         }
     }
+    storeBytes(schedule);
 }
 
 void encryptBlock(const Schedule& schedule, unsigned char* output, const unsigned char* input)

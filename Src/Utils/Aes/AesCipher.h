@@ -13,6 +13,7 @@ struct Schedule
 {
     int rounds = 0;  ///< 10, 12 or 14; 0: none
     std::uint32_t keys[60] = {};
+    alignas(16) unsigned char bytes[240] = {};  ///< the same as bytes
 };
 
 /// Builds the round keys for encrypting. False for a number of bits other than 128, 192 or 256.

@@ -1,0 +1,37 @@
+// The hardware paths of a build that has none.
+#include "Src/Utils/Aes/AesEngine.h"
+#include "Src/Utils/Crc32Update.h"
+#include "Src/Utils/Sha1Blocks.h"
+
+namespace General::Utils {
+
+Sha1Blocks sha1Hardware()
+{
+    return nullptr;
+}
+
+Crc32Update crc32Multiplying()
+{
+    return nullptr;
+}
+
+Crc32Update crc32MultiplyingWide()
+{
+    return nullptr;
+}
+
+namespace AES {
+
+const Engine* aesNiEngine()
+{
+    return nullptr;
+}
+
+const Engine* vaesEngine()
+{
+    return nullptr;
+}
+
+}  // namespace AES
+
+}  // namespace General::Utils
