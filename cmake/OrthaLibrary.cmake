@@ -18,7 +18,8 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$" AND NOT MSVC AND NOT ORTHA_
     set(ortha_Sha1Ni -msha -msse4.1)
     set(ortha_CrcMultiply -mpclmul -msse4.1)
     set(ortha_CrcMultiplyWide ${ortha_CrcMultiply} -mvpclmulqdq -mavx512f)
-    foreach(name AesNi Vaes Sha1Ni CrcMultiply CrcMultiplyWide)
+    set(ortha_WideText -mavx2)
+    foreach(name AesNi Vaes Sha1Ni CrcMultiply CrcMultiplyWide WideText)
         # g++ 12 takes its own intrinsics for uninitialised.
         set_source_files_properties(${PROJECT_SOURCE_DIR}/Src/Utils/x86/${name}.cpp PROPERTIES COMPILE_OPTIONS
             "${ortha_${name}};-O3;$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>")

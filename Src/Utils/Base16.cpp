@@ -7,6 +7,8 @@
 
 #include "ortha/ortha3/PrintLog.h"
 
+#include "Src/Utils/WideText.h"
+
 namespace General::Utils {
 
 namespace {
@@ -39,6 +41,13 @@ constexpr auto values = [] {
 // Whether all are digits; else some of `destination` may be written.
 bool decode(const char* source, std::size_t count, unsigned char* destination)
 {
+    if (const WideText* const wide = wideText())
+    {
+        const std::size_t done = wide->base16Decode(destination, source, 2 * count) / 2;
+        source += 2 * done;
+        destination += done;
+        count -= done;
+    }
     for (; count != 0; --count, source += 2, ++destination)
     {
         const unsigned int high = values[static_cast<unsigned char>(source[0])];
@@ -66,7 +75,8 @@ std::size_t base16Encode(const unsigned char* source, std::size_t sourceLength, 
         ::logWarn("dst space is not enough or NULL\n");
         return 0;
     }
-    for (std::size_t i = 0; i < sourceLength; ++i)
+    const WideText* const wide = wideText();
+    for (std::size_t i = wide ? wide->base16Encode(destination, source, sourceLength) : 0; i < sourceLength; ++i)
     {
         std::memcpy(destination + 2 * i, pairs[source[i]].data(), 2);
     }

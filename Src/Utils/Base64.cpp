@@ -1,7 +1,11 @@
 #include "utils/Base64.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
+
+#include "Src/Utils/WideText.h"
 
 namespace General::Utils {
 
@@ -26,11 +30,11 @@ std::uint32_t valueOf(char character)
     return values[static_cast<unsigned char>(character)];
 }
 
-// How many characters of the alphabet a text begins with, of `limit` at most.
-std::size_t countOf(const char* source, std::size_t limit)
+// How many characters of the alphabet a text of `length` characters begins with.
+std::size_t countOf(const char* source, std::size_t length)
 {
     std::size_t count = 0;
-    while (count < limit && valueOf(source[count]) != noValue)
+    while (count < length && valueOf(source[count]) != noValue)
     {
         ++count;
     }
@@ -42,30 +46,44 @@ std::size_t spaceFor(std::size_t count)
     return (count + 3) / 4 * 3 + 1;
 }
 
-// The bytes of `count` characters of the alphabet, with a zero byte behind.
-std::size_t decode(char* destination, const char* source, std::size_t count)
+// The bytes of the characters of the alphabet that a text begins with, and a zero byte behind them.
+std::size_t decode(char* destination, const char* source, std::size_t length)
 {
     char* at = destination;
-    for (; count >= 4; count -= 4, source += 4)
+    if (const WideText* const wide = wideText())
     {
-        const std::uint32_t bits = valueOf(source[0]) << 18 | valueOf(source[1]) << 12 | valueOf(source[2]) << 6 | valueOf(source[3]);
+        const std::size_t done = wide->base64Decode(at, source, length);
+        at += done / 4 * 3;
+        source += done;
+        length -= done;
+    }
+    for (; length >= 4; length -= 4, source += 4)
+    {
+        const std::uint32_t first = valueOf(source[0]);
+        const std::uint32_t second = valueOf(source[1]);
+        const std::uint32_t third = valueOf(source[2]);
+        const std::uint32_t fourth = valueOf(source[3]);
+        if ((first | second | third | fourth) == noValue)
+        {
+            break;
+        }
+        const std::uint32_t bits = first << 18 | second << 12 | third << 6 | fourth;
         *at++ = static_cast<char>(bits >> 16);
         *at++ = static_cast<char>(bits >> 8);
         *at++ = static_cast<char>(bits);
     }
+    const std::size_t count = countOf(source, std::min<std::size_t>(length, 4));
     if (count >= 2)
     {
         *at++ = static_cast<char>(valueOf(source[0]) << 2 | valueOf(source[1]) >> 4);
     }
-    if (count == 3)
+    if (count >= 3)
     {
         *at++ = static_cast<char>(valueOf(source[1]) << 4 | valueOf(source[2]) >> 2);
     }
     *at = 0;
     return static_cast<std::size_t>(at - destination);
 }
-
-constexpr std::size_t noLimit = static_cast<std::size_t>(-1);
 
 }  // namespace
 
@@ -98,6 +116,13 @@ std::size_t base64EncodeEx(char* destination, const char* source, std::size_t le
 {
     const auto* from = reinterpret_cast<const unsigned char*>(source);
     char* at = destination;
+    if (const WideText* const wide = wideText())
+    {
+        const std::size_t done = wide->base64Encode(at, from, length);
+        at += done / 3 * 4;
+        from += done;
+        length -= done;
+    }
     for (; length >= 3; length -= 3, from += 3)
     {
         const std::uint32_t bits = static_cast<std::uint32_t>(from[0] << 16 | from[1] << 8 | from[2]);
@@ -120,12 +145,12 @@ std::size_t base64EncodeEx(char* destination, const char* source, std::size_t le
 
 std::size_t base64DecodeLenEx(const char* source)
 {
-    return spaceFor(countOf(source, noLimit));
+    return spaceFor(countOf(source, std::strlen(source)));
 }
 
 std::size_t base64DecodeEx(char* destination, const char* source)
 {
-    return decode(destination, source, countOf(source, noLimit));
+    return decode(destination, source, std::strlen(source));
 }
 
 std::size_t base64DecodeLenEx2(const char* source, std::size_t length)
@@ -135,7 +160,7 @@ std::size_t base64DecodeLenEx2(const char* source, std::size_t length)
 
 std::size_t base64DecodeEx2(char* destination, const char* source, std::size_t length)
 {
-    return decode(destination, source, countOf(source, length));
+    return decode(destination, source, length);
 }
 
 }  // namespace General::Utils

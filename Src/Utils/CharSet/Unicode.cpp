@@ -1,4 +1,9 @@
 // UTF-8, units of 16 bits, and UCS-4.
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -90,15 +95,79 @@ unsigned short GetUnicodeFromUtf8(const char* text, int* length)
     }
 }
 
+namespace {
+
+constexpr std::size_t asciiAtOnce = 16;
+
+// Copies bytes that are all below 0x80 to units; false, with nothing done, if one is not.
+bool copyAscii(unsigned short* out, const unsigned char* in)
+{
+#ifdef __SSE2__  // which every x86-64 has
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
+    if (_mm_movemask_epi8(bytes) != 0)
+    {
+        return false;
+    }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(bytes, _mm_setzero_si128()));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(bytes, _mm_setzero_si128()));
+#else
+    std::uint64_t words[2];
+    std::memcpy(words, in, sizeof(words));
+    if (((words[0] | words[1]) & 0x8080808080808080) != 0)
+    {
+        return false;
+    }
+    std::copy(in, in + asciiAtOnce, out);
+#endif
+    return true;
+}
+
+bool continues(unsigned char byte)
+{
+    return (byte & 0xC0) == 0x80;
+}
+
+// The short sequences by hand, which are nearly all; the others by the table. As utf8_mbtowc().
+int readSequence(unsigned short* out, const unsigned char* in, int bound)
+{
+    if (bound >= 2 && in[0] >= 0xC2 && in[0] < 0xE0 && continues(in[1]))
+    {
+        *out = static_cast<unsigned short>((in[0] & 0x1F) << 6 | (in[1] & 0x3F));
+        return 2;
+    }
+    if (bound >= 3 && (in[0] & 0xF0) == 0xE0 && continues(in[1]) && continues(in[2]) && (in[0] != 0xE0 || in[1] >= 0xA0))
+    {
+        *out = static_cast<unsigned short>((in[0] & 0x0F) << 12 | (in[1] & 0x3F) << 6 | (in[2] & 0x3F));
+        return 3;
+    }
+    return utf8_mbtowc(out, in, bound);
+}
+
+}  // namespace
+
 int utf8_mbstowcs(unsigned short* out, const unsigned char* in, int bound)
 {
     const unsigned short* const begin = out;
-    while (bound > 0 && *in != 0)
+    const void* const zero = bound > 0 ? std::memchr(in, 0, static_cast<std::size_t>(bound)) : in;
+    const unsigned char* const end = zero ? static_cast<const unsigned char*>(zero) : in + bound;
+    while (in != end)
     {
-        const int read = *in < 0x80 ? (*out = *in, 1) : utf8_mbtowc(out, in, bound);
-        out += read != -1;
-        in += read != -1 ? read : 1;
-        bound -= read != -1 ? read : 1;
+        if (*in >= 0x80)
+        {
+            const int read = readSequence(out, in, static_cast<int>(end - in));
+            out += read != -1;
+            in += read != -1 ? read : 1;
+            continue;
+        }
+        while (static_cast<std::size_t>(end - in) >= asciiAtOnce && copyAscii(out, in))
+        {
+            in += asciiAtOnce;
+            out += asciiAtOnce;
+        }
+        for (; in != end && *in < 0x80; ++in)
+        {
+            *out++ = *in;
+        }
     }
     return static_cast<int>(out - begin);
 }

@@ -2,6 +2,7 @@
 #include "Src/Utils/Aes/AesEngine.h"
 #include "Src/Utils/Crc32Update.h"
 #include "Src/Utils/Sha1Blocks.h"
+#include "Src/Utils/WideText.h"
 
 namespace General::Utils {
 
@@ -16,6 +17,11 @@ Crc32Update crc32Multiplying()
 }
 
 Crc32Update crc32MultiplyingWide()
+{
+    return nullptr;
+}
+
+const WideText* wideText()
 {
     return nullptr;
 }
