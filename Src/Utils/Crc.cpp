@@ -95,6 +95,11 @@ unsigned int crc32(const unsigned char* data, std::size_t length)
 
 unsigned int crc32(unsigned int crc, const unsigned char* data, std::size_t length)
 {
+    constexpr std::size_t shortest = 64;  // for which the others begin
+    if (length < shortest)
+    {
+        return ~crc32Portable(~crc, data, length);
+    }
     static const Crc32Update s_update = fastestCrc32();
     return ~s_update(~crc, data, length);
 }

@@ -1,6 +1,8 @@
 // The sets of one byte, and code page 1252.
 #include <algorithm>
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 
 #include "utils/CharSet.h"
@@ -17,26 +19,57 @@ constexpr Table tables[] = {
 #include "Src/Utils/CharSet/SingleByte.inc"
 };
 
-int toUtf8(const Table& table, unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
+// A byte as the sequence that it becomes, of length 0 if it is not mapped.
+struct Sequence
+{
+    unsigned char bytes[3];
+    std::uint8_t length;
+};
+
+constexpr auto sequences = [] {
+    std::array<std::array<Sequence, 256>, std::size(tables)> all{};
+    for (std::size_t set = 0; set < std::size(tables); ++set)
+    {
+        for (std::size_t byte = 0; byte < 256; ++byte)
+        {
+            const std::uint16_t unit = tables[set][byte];
+            Sequence& sequence = all[set][byte];
+            sequence.length = unit == 0 ? std::uint8_t{0} : static_cast<std::uint8_t>(utf8Length(unit));
+            if (sequence.length != 0)
+            {
+                writeUtf8(sequence.bytes, unit, sequence.length);
+            }
+        }
+    }
+    return all;
+}();
+
+int toUtf8(std::size_t set, unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
     if (!out || !in || inLength < 1 || outLength < inLength)
     {
         return -1;
     }
-    int read = 0;
-    int written = 0;
-    for (; read < inLength; ++read)
+    const std::array<Sequence, 256>& table = sequences[set];
+    const unsigned char* const outEnd = out + outLength;
+    const unsigned char* const inEnd = in + inLength;
+    unsigned char* to = out;
+    const unsigned char* from = in;
+    for (; from != inEnd && table[*from].length <= outEnd - to; ++from)
     {
-        const std::uint16_t unit = table[in[read]];
-        const int length = unit != 0 ? utf8_wctomb(out + written, unit, outLength - written) : 0;
-        if (length == -1)
+        const Sequence& sequence = table[*from];
+        if (sequence.length == 2)
         {
-            break;
+            std::memcpy(to, sequence.bytes, 2);
         }
-        written += length;
+        else
+        {
+            std::copy_n(sequence.bytes, sequence.length, to);
+        }
+        to += sequence.length;
     }
-    inLength = read;
-    outLength = written;
+    inLength = static_cast<int>(from - in);
+    outLength = static_cast<int>(to - out);
     return 0;
 }
 
@@ -70,92 +103,92 @@ int byteOf(std::uint32_t value)
 
 int cp862_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[0], out, outLength, in, inLength);
+    return toUtf8(0, out, outLength, in, inLength);
 }
 
 int cp874_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[1], out, outLength, in, inLength);
+    return toUtf8(1, out, outLength, in, inLength);
 }
 
 int cp1250_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[2], out, outLength, in, inLength);
+    return toUtf8(2, out, outLength, in, inLength);
 }
 
 int cp1251_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[3], out, outLength, in, inLength);
+    return toUtf8(3, out, outLength, in, inLength);
 }
 
 int iso8859_1_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[4], out, outLength, in, inLength);
+    return toUtf8(4, out, outLength, in, inLength);
 }
 
 int iso8859_2_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[5], out, outLength, in, inLength);
+    return toUtf8(5, out, outLength, in, inLength);
 }
 
 int iso8859_3_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[6], out, outLength, in, inLength);
+    return toUtf8(6, out, outLength, in, inLength);
 }
 
 int iso8859_4_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[7], out, outLength, in, inLength);
+    return toUtf8(7, out, outLength, in, inLength);
 }
 
 int iso8859_5_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[8], out, outLength, in, inLength);
+    return toUtf8(8, out, outLength, in, inLength);
 }
 
 int iso8859_6_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[9], out, outLength, in, inLength);
+    return toUtf8(9, out, outLength, in, inLength);
 }
 
 int iso8859_7_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[10], out, outLength, in, inLength);
+    return toUtf8(10, out, outLength, in, inLength);
 }
 
 int iso8859_8_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[11], out, outLength, in, inLength);
+    return toUtf8(11, out, outLength, in, inLength);
 }
 
 int iso8859_9_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[12], out, outLength, in, inLength);
+    return toUtf8(12, out, outLength, in, inLength);
 }
 
 int iso8859_10_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[13], out, outLength, in, inLength);
+    return toUtf8(13, out, outLength, in, inLength);
 }
 
 int iso8859_13_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[14], out, outLength, in, inLength);
+    return toUtf8(14, out, outLength, in, inLength);
 }
 
 int iso8859_14_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[15], out, outLength, in, inLength);
+    return toUtf8(15, out, outLength, in, inLength);
 }
 
 int iso8859_15_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[16], out, outLength, in, inLength);
+    return toUtf8(16, out, outLength, in, inLength);
 }
 
 int iso8859_16_to_utf8(unsigned char* out, int& outLength, const unsigned char* in, int& inLength)
 {
-    return toUtf8(tables[17], out, outLength, in, inLength);
+    return toUtf8(17, out, outLength, in, inLength);
 }
 
 int cp1252_to_utf8(unsigned char* out, int outSize, const unsigned char* in, int inLength)

@@ -175,6 +175,20 @@ int utf8_mbstowcs(unsigned short* out, const unsigned char* in, int bound)
 int utf8_wcstombs(unsigned char* out, const unsigned short* in, int bound)
 {
     const unsigned char* const begin = out;
+    for (; bound >= 3 && *in != 0; ++in)  // where any fits
+    {
+        const unsigned int unit = *in;
+        if (unit < 0x80)
+        {
+            *out++ = static_cast<unsigned char>(unit);
+            --bound;
+            continue;
+        }
+        const int length = unit < 0x800 ? 2 : 3;
+        writeUtf8(out, unit, length);
+        out += length;
+        bound -= length;
+    }
     for (; bound > 0 && *in != 0; ++in)
     {
         const int written = utf8_wctomb(out, *in, bound);

@@ -26,7 +26,7 @@ inline constexpr Utf8Row utf8Table[utf8Rows] = {
 };
 
 /// The length of the sequence of a value up to 0x7FFFFFFF.
-inline int utf8Length(std::uint32_t value)
+constexpr int utf8Length(std::uint32_t value)
 {
     int length = 1;
     while (value > utf8Table[length - 1].largest)
@@ -37,7 +37,7 @@ inline int utf8Length(std::uint32_t value)
 }
 
 /// Writes a value as a sequence of that length.
-inline void writeUtf8(unsigned char* out, std::uint32_t value, int length)
+constexpr void writeUtf8(unsigned char* out, std::uint32_t value, int length)
 {
     int shift = utf8Table[length - 1].shift;
     *out = static_cast<unsigned char>(utf8Table[length - 1].value | value >> shift);

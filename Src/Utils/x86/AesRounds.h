@@ -10,18 +10,12 @@ namespace General::Utils::AES {
 
 namespace {
 
-// Round keys in registers, as far as there are any.
+// Round keys where the schedule has them: copying them would cost more than a block.
 struct Keys
 {
-    explicit Keys(const Schedule& schedule) : rounds(schedule.rounds)
-    {
-        for (int i = 0; i <= rounds; ++i)
-        {
-            key[i] = _mm_load_si128(reinterpret_cast<const __m128i*>(schedule.bytes) + i);
-        }
-    }
+    explicit Keys(const Schedule& schedule) : key(reinterpret_cast<const __m128i*>(schedule.bytes)), rounds(schedule.rounds) {}
 
-    __m128i key[15];
+    const __m128i* const key;
     const int rounds;
 };
 
