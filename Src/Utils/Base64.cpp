@@ -41,6 +41,13 @@ std::size_t countOf(const char* source, std::size_t length)
     return count;
 }
 
+// Of a text that may end before `limit` with a terminator, behind which nothing may be read.
+std::size_t lengthOf(const char* source, std::size_t limit)
+{
+    const void* const end = std::memchr(source, 0, limit);
+    return end ? static_cast<std::size_t>(static_cast<const char*>(end) - source) : limit;
+}
+
 std::size_t spaceFor(std::size_t count)
 {
     return (count + 3) / 4 * 3 + 1;
@@ -160,7 +167,7 @@ std::size_t base64DecodeLenEx2(const char* source, std::size_t length)
 
 std::size_t base64DecodeEx2(char* destination, const char* source, std::size_t length)
 {
-    return decode(destination, source, length);
+    return decode(destination, source, lengthOf(source, length));
 }
 
 }  // namespace General::Utils

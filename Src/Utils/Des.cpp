@@ -62,7 +62,32 @@ struct CTripleDes::Internal
         blockSize == 8 ? store(output, Des::des(load(input), schedules, passes)) : doubleBlockDes(output, input, schedules);
     }
 
-    void run(unsigned char* output, const unsigned char* input, std::size_t size, bool encrypts) const;
+    // Whole blocks, chained if there is a vector.
+    void run(unsigned char* output, const unsigned char* input, std::size_t size, bool encrypts) const
+    {
+        unsigned char chain[16];
+        std::memcpy(chain, iv, sizeof(chain));
+        for (; size != 0; size -= blockSize, output += blockSize, input += blockSize)
+        {
+            unsigned char block[16];
+            std::memcpy(block, input, blockSize);
+            if (!hasIv)
+            {
+                process(output, block, encrypts);
+                continue;
+            }
+            for (std::size_t i = 0; encrypts && i < blockSize; ++i)
+            {
+                block[i] ^= chain[i];
+            }
+            process(output, block, encrypts);
+            for (std::size_t i = 0; !encrypts && i < blockSize; ++i)
+            {
+                output[i] ^= chain[i];
+            }
+            std::memcpy(chain, encrypts ? output : block, blockSize);
+        }
+    }
 
     Schedule encrypting[maxKeys];
     Schedule decrypting[maxKeys];
@@ -72,33 +97,6 @@ struct CTripleDes::Internal
     unsigned char iv[16] = {};
     bool hasIv = false;
 };
-
-// Whole blocks, chained if there is a vector.
-void CTripleDes::Internal::run(unsigned char* output, const unsigned char* input, std::size_t size, bool encrypts) const
-{
-    unsigned char chain[16];
-    std::memcpy(chain, iv, sizeof(chain));
-    for (; size != 0; size -= blockSize, output += blockSize, input += blockSize)
-    {
-        unsigned char block[16];
-        std::memcpy(block, input, blockSize);
-        if (!hasIv)
-        {
-            process(output, block, encrypts);
-            continue;
-        }
-        for (std::size_t i = 0; encrypts && i < blockSize; ++i)
-        {
-            block[i] ^= chain[i];
-        }
-        process(output, block, encrypts);
-        for (std::size_t i = 0; !encrypts && i < blockSize; ++i)
-        {
-            output[i] ^= chain[i];
-        }
-        std::memcpy(chain, encrypts ? output : block, blockSize);
-    }
-}
 
 CTripleDes::CTripleDes(const unsigned char* key, std::size_t length, BlockType type, const unsigned char* iv) : m_internal(new Internal)
 {

@@ -4,6 +4,8 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <limits>
+#include <new>
 
 #include "ortha/ortha3/PrintLog.h"
 #include "utils/IpAddress.h"
@@ -104,7 +106,8 @@ int snprintf_x(char* buffer, int size, const char* format, ...)
 char* ipToString(IpAddress ip, char* buffer, std::size_t size)
 {
     const auto byte = [ip](int shift) { return static_cast<int>(ip.value >> shift & 0xFF); };
-    snprintf_x(buffer, static_cast<int>(size), "%d.%d.%d.%d", byte(24), byte(16), byte(8), byte(0));
+    constexpr std::size_t most = std::numeric_limits<int>::max();
+    snprintf_x(buffer, static_cast<int>(std::min(size, most)), "%d.%d.%d.%d", byte(24), byte(16), byte(8), byte(0));
     return buffer;
 }
 

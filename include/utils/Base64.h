@@ -19,7 +19,7 @@ namespace General::Utils {
 ORTHA_API int base64EncodeLen(int length);
 /// Encodes `length` bytes and terminates the text. What it wrote, the terminator included; 0, with nothing written, if `length` is below 1.
 ORTHA_API int base64Encode(char* destination, const char* source, int length);
-/// Room for the bytes of a text and a terminator, at most 2 more than needed.
+/// Room for the bytes of a text and a terminator, at most 3 more than needed.
 ORTHA_API int base64DecodeLen(const char* source);
 /// Decodes a text and writes a zero byte behind. The number of bytes without it.
 ORTHA_API int base64Decode(char* destination, const char* source);
