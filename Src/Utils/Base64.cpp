@@ -44,7 +44,7 @@ std::size_t countOf(const char* source, std::size_t length)
 // Of a text that may end before `limit` with a terminator, behind which nothing may be read.
 std::size_t lengthOf(const char* source, std::size_t limit)
 {
-    const void* const end = std::memchr(source, 0, limit);
+    const void* const end = limit != 0 ? std::memchr(source, 0, limit) : nullptr;
     return end ? static_cast<std::size_t>(static_cast<const char*>(end) - source) : limit;
 }
 
