@@ -15,8 +15,9 @@ TEST(ThreadLoad, CountersStepInTheRatioOfTheirSharesFromTheFirstEntryToTheLast)
     using States = std::set<std::pair<int, int>>;
     const std::pair<std::pair<unsigned int, unsigned int>, States> cases[] = {
         {{3, 1}, {{0, 0}, {0, 1}, {1, 1}, {2, 1}}}, {{1, 1}, {{0, 0}, {0, 1}}}, {{2, 3}, {{0, 0}, {0, 1}, {1, 1}, {1, 2}, {2, 2}}}};
-    for (const auto& [shares, states] : cases)
+    for (const auto& [shares, expected] : cases)
     {
+        const States& states = expected;  // clang's lambdas take no binding
         EXPECT_TRUE(controller.isThreadOver());
         controller.setThreadLoad(1, shares.first, shares.second);
         EXPECT_TRUE(eventually([&] { return controller.getThreadID() != -1; }));

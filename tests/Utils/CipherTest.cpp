@@ -48,7 +48,8 @@ TEST(Aes, AMessageInPiecesIsWhatTheReferenceGivesOfTheWhole)
         const int mode = i % 5;
         const std::string key = randomBytes(16 + 8 * below(3)), zeros(16, 0);
         const std::string iv =
-            i % 3 ? randomBytes(i % 4 * 4) + std::string(16 - i % 4 * 4, '\xFF') : zeros;  // counters that carry and wrap
+            i % 3 ? randomBytes(static_cast<std::size_t>(i % 4 * 4)) + std::string(static_cast<std::size_t>(16 - i % 4 * 4), '\xFF')
+                  : zeros;  // counters that carry and wrap
         const std::size_t unit = mode < 2 ? 16 : 1;
         const std::string input = randomBytes(unit * below(200));
         CAes aes = makeAes(mode, key, iv == zeros ? At{} : at(iv));
@@ -90,7 +91,7 @@ TEST(Aes, WhatIsNotUsableRefusesAndWritesNothing)
         };
         EXPECT_EQ(logged(useless), (i < 10 && i % 2 == 0 ? "e Aes" + names[i / 2] + " key is NULL\n" : "") + refused + refused) << i;
         CAes aes = makeAes(i % 2, key, at(block));
-        for (const std::size_t length : {0, 1, 15, 17, 40})
+        for (const std::size_t length : {0u, 1u, 15u, 17u, 40u})
         {
             const std::string input(length, 'x');
             EXPECT_EQ(logged([&] { EXPECT_EQ(run(aes, i < 6, input, input.empty()), input); }), "");
