@@ -1,7 +1,6 @@
 #include "utils/IntervalSet.h"
 
 #include <algorithm>
-#include <iterator>
 #include <vector>
 
 #include "ortha/ortha3/Assert.h"
@@ -23,21 +22,6 @@ Keys::difference_type parity(Keys::difference_type position)
     return position % 2;
 }
 
-// The position of the first key, from `from` on, that is not below a value. Without a branch in each step, which would be guessed wrong every other time.
-Keys::difference_type lowerBound(const Keys& keys, Keys::difference_type from, int value)
-{
-    const int* const begin = keys.data();
-    const int* at = begin + from;
-    Keys::difference_type count = std::ssize(keys) - from;
-    while (count > 1)
-    {
-        const Keys::difference_type half = count / 2;
-        at = at[half - 1] < value ? at + half : at;
-        count -= half;
-    }
-    return at - begin + (count == 1 && *at < value ? 1 : 0);
-}
-
 // Both operations in one. Places of the parity `wanted` are those where there is something to do: outside all ranges when inserting, inside one when erasing.
 void insert_erase_range(Keys& keys, const CIntervalSet::Range& range, bool inserting)
 {
@@ -47,8 +31,8 @@ void insert_erase_range(Keys& keys, const CIntervalSet::Range& range, bool inser
         return;
     }
     const Keys::difference_type wanted = inserting ? 0 : 1;
-    auto first = keys.begin() + lowerBound(keys, 0, start);
-    auto last = keys.begin() + lowerBound(keys, first - keys.begin(), end);
+    auto first = std::lower_bound(keys.begin(), keys.end(), start);
+    auto last = std::lower_bound(first, keys.end(), end);
     const bool firstWanted = parity(first - keys.begin()) == wanted;
     if (first == last)
     {
@@ -140,8 +124,8 @@ CIntervalSet::Range CIntervalSet::get(int index) const
 int CIntervalSet::find(int value) const
 {
     const Keys& keys = m_internal->keys;
-    const Keys::difference_type found = lowerBound(keys, 0, value);
-    return found == std::ssize(keys) ? -1 : static_cast<int>(found / 2);
+    const auto found = std::lower_bound(keys.begin(), keys.end(), value);
+    return found == keys.end() ? -1 : static_cast<int>((found - keys.begin()) / 2);
 }
 
 void CIntervalSet::swap(CIntervalSet& other)

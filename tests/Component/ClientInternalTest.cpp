@@ -509,49 +509,6 @@ TEST_F(Clients, TheFirstRegistrationNamesTheErrorsAndClassesAreListedInOrder)
     EXPECT_EQ(Select::getDefaultClassID(nullptr), "");
 }
 
-TEST(ServerInfoQueryer, AsksTheOneHandlerAsItsUserAndNeverForWhatIsLocal)
-{
-    struct Queryer : IServerInfoQueryer
-    {
-        bool getServerInfoByChannel(int channel, Ortha::string& clsid, ServerInfo& info) override
-        {
-            info.port = channel + IClient::getCurrentUserID();
-            return clsid = "Tcp.Channel", channel != 9;
-        }
-        bool getServerInfoByDeviceId(const char* id, Ortha::string& clsid, ServerInfo&) override { return clsid = id, *id == 0; }
-        void destroy() override { std::puts("ended"), delete this; }
-        void reservedOperation() override {}
-    };
-    // The handler is kept until the process ends.
-    EXPECT_EQ(Ortha::Test::runInChild([] { setQueryerHandler({new Queryer, nullptr}); }).output, "ended\n");
-
-    Ortha::Test::LogLines log;
-    auto& helper = *CServerInfoQueryerHelper::instance();
-    Ortha::string clsid;
-    ServerInfo info = {};
-    EXPECT_TRUE(helper.getServerInfoByChannel(5, clsid, info));
-    EXPECT_EQ(clsid, "Local");
-    EXPECT_FALSE(helper.getServerInfoByDeviceId("a", clsid, info));
-    EXPECT_FALSE(setQueryerHandler({}));
-    EXPECT_THAT(log.bare(), MatchesRegex("please call setQueryerHandler interface\nsetQueryerHandler failed setPtr:.* oldPtr:.*\n"));
-    static Plan& plan = *new Plan;  // the client lives until the process ends
-    EXPECT_TRUE(setQueryerHandler({new Queryer, new PlannedClient(plan)}));
-    log.take();
-    EXPECT_FALSE(setQueryerHandler({new Queryer, nullptr}));
-    EXPECT_THAT(log.text(), MatchesRegex(".* error .*\\]setQueryerHandler failed setPtr:0x[0-9a-f]+, oldPtr:0x[0-9a-f]+\n"));
-    EXPECT_TRUE(helper.getServerInfoByChannel(-1, clsid, info));
-    EXPECT_EQ(clsid, "Local");
-    EXPECT_EQ(info.port, 0);
-    EXPECT_FALSE(helper.getServerInfoByChannel(-2, clsid, info));
-    EXPECT_FALSE(helper.getServerInfoByDeviceId(nullptr, clsid, info));
-    EXPECT_EQ(log.bare(), "channel:-2 is invalid \ndeviceId:(null) is empty\n");
-    EXPECT_TRUE(helper.getServerInfoByChannel(0, clsid, info));
-    EXPECT_EQ(clsid, "Tcp.Channel");
-    EXPECT_EQ(info.port, plan.user);
-    EXPECT_FALSE(helper.getServerInfoByChannel(9, clsid, info));
-    EXPECT_TRUE(helper.getServerInfoByDeviceId("", clsid, info));
-}
-
 // With the check timer at work, under a clock that runs five minutes in some milliseconds.
 struct ClientStress : ClientsUnderCheck
 {
