@@ -1,4 +1,4 @@
-// The lock that every other lock of the library is built on.
+// The lock that every other lock of the library is built on, and the system's own.
 #pragma once
 
 #include <atomic>
@@ -28,6 +28,28 @@ private:
 
     std::atomic<std::uint32_t> m_word{0};  // 0 free; else the owner's thread id, and the mark that somebody may sleep
     std::uint32_t m_nested = 0;            // enters of the owner beyond the first; the owner's alone
+};
+
+/// A re-entrant lock of the system's, which knows its owner. If a thread ends while it owns the lock, the next one that enters gets it.
+class KernelMutex
+{
+public:
+    KernelMutex();
+    ~KernelMutex();
+    KernelMutex(const KernelMutex&) = delete;
+    KernelMutex& operator=(const KernelMutex&) = delete;
+
+    /// False if the system refused; then no other operation may be called.
+    [[nodiscard]] bool valid() const { return m_handle != nullptr; }
+    /// Waits without limit. True when the calling thread owns the lock.
+    bool enter();
+    /// False at once if another thread owns the lock.
+    bool tryEnter();
+    /// Gives up one enter. False if the calling thread does not own the lock.
+    bool leave();
+
+private:
+    void* m_handle;
 };
 
 }  // namespace General::Ortha::Platform

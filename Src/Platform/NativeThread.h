@@ -22,6 +22,9 @@ inline int currentThreadId()
 /// Sleeps; 0 gives the processor to another thread that can run.
 void sleepMilliseconds(std::uint32_t milliseconds);
 
+/// Ends the calling thread, with its objects destroyed.
+[[noreturn]] void exitCurrentThread();
+
 /// Lets the system's tools show a name, cut to what they take (15 bytes on Linux), for a thread of this process. A thread that has ended is passed over.
 void setSystemThreadName(int threadId, const char* name);
 

@@ -48,15 +48,39 @@ CalendarTime localTime()
     static constinit thread_local Split split;
     if (split.second != second)
     {
-        std::tm fields;
-        localtime_r(&second, &fields);
-        split.time = {fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_wday,
-                      fields.tm_hour,        fields.tm_min,     fields.tm_sec,  0};
+        splitLocal(static_cast<std::uint64_t>(second), split.time);
         split.second = second;
     }
     CalendarTime time = split.time;
     time.milliSecond = static_cast<int>(now % nanosecondsPerSecond / nanosecondsPerMilliSecond);
     return time;
+}
+
+bool splitLocal(std::uint64_t seconds, CalendarTime& time)
+{
+    const auto second = static_cast<std::time_t>(seconds);
+    std::tm fields;
+    if (second < 0 || !localtime_r(&second, &fields))
+    {
+        return false;
+    }
+    time = {fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_wday, fields.tm_hour, fields.tm_min, fields.tm_sec, 0};
+    return true;
+}
+
+std::int64_t joinLocal(const CalendarTime& time)
+{
+    // Fields that somebody else filled: what does not fit wraps.
+    const auto less = [](int value, unsigned int by) { return static_cast<int>(static_cast<unsigned int>(value) - by); };
+    std::tm fields{};
+    fields.tm_year = less(time.year, 1900);
+    fields.tm_mon = less(time.month, 1);
+    fields.tm_mday = time.day;
+    fields.tm_hour = time.hour;
+    fields.tm_min = time.minute;
+    fields.tm_sec = time.second;
+    fields.tm_isdst = -1;
+    return std::mktime(&fields);
 }
 
 std::int64_t wallNanoseconds()
@@ -67,15 +91,7 @@ std::int64_t wallNanoseconds()
 
 bool setLocalTime(const CalendarTime& time)
 {
-    std::tm fields{};
-    fields.tm_year = time.year - 1900;
-    fields.tm_mon = time.month - 1;
-    fields.tm_mday = time.day;
-    fields.tm_hour = time.hour;
-    fields.tm_min = time.minute;
-    fields.tm_sec = time.second;
-    fields.tm_isdst = -1;
-    const std::time_t second = std::mktime(&fields);
+    const std::int64_t second = joinLocal(time);
     if (second == -1 || time.milliSecond < 0 || time.milliSecond > 999)
     {
         return false;

@@ -48,6 +48,11 @@ void sleepMilliseconds(std::uint32_t milliseconds)
     }
 }
 
+void exitCurrentThread()
+{
+    pthread_exit(nullptr);
+}
+
 void setSystemThreadName(int threadId, const char* name)
 {
     char shown[16] = {};
@@ -179,7 +184,7 @@ bool NativeThread::terminate() const
 {
     if (static_cast<int>(m_record->id.load(std::memory_order_relaxed)) == currentThreadId())
     {
-        pthread_exit(nullptr);
+        exitCurrentThread();
     }
     std::lock_guard guard(m_record->endMutex);
     return m_record->ended.load(std::memory_order_relaxed) != 0 || pthread_cancel(m_record->thread) == 0;
