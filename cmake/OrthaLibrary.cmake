@@ -19,7 +19,8 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$" AND NOT MSVC AND NOT ORTHA_
     set(ortha_CrcMultiply -mpclmul -msse4.1)
     set(ortha_CrcMultiplyWide ${ortha_CrcMultiply} -mvpclmulqdq -mavx512f)
     set(ortha_WideText -mavx2)
-    foreach(name AesNi Vaes Sha1Ni CrcMultiply CrcMultiplyWide WideText)
+    set(ortha_WideUtf8 -mavx512f -mavx512bw -mavx512vl -mavx512vbmi2 -mbmi2 -mpopcnt)
+    foreach(name AesNi Vaes Sha1Ni CrcMultiply CrcMultiplyWide WideText WideUtf8)
         # g++ 12 takes its own intrinsics for uninitialised.
         set_source_files_properties(${PROJECT_SOURCE_DIR}/Src/Utils/x86/${name}.cpp PROPERTIES COMPILE_OPTIONS
             "${ortha_${name}};-O3;$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>")
@@ -28,17 +29,37 @@ else()
     list(FILTER ortha_sources EXCLUDE REGEX "/Src/Utils/x86/")
 endif()
 
-add_library(ortha_objects OBJECT ${ortha_sources})
-ortha_target(ortha_objects)
-set_target_properties(ortha_objects PROPERTIES
-    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
-target_include_directories(ortha_objects PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
-target_compile_definitions(ortha_objects PRIVATE ORTHA_BUILDING)
-# The library's few thread-local words are read in every lock and log call: with the default model each reading is a call.
-target_compile_options(ortha_objects PRIVATE $<$<NOT:$<CXX_COMPILER_ID:MSVC>>:-ftls-model=initial-exec>)
-# Nobody puts functions of their own in the place of exported ones; without this g++ calls these through a table even within one file.
-target_compile_options(ortha_objects PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
-target_link_libraries(ortha_objects PUBLIC Threads::Threads)
+# g++ would gather the four words of a block in vector registers, which takes longer than the cipher's round.
+set_source_files_properties(${PROJECT_SOURCE_DIR}/Src/Utils/Aes/AesCipher.cpp PROPERTIES COMPILE_OPTIONS
+    "$<$<CXX_COMPILER_ID:GNU>:-fno-tree-vectorize>")
+
+# Definitions that headers read: the same for the library, its objects and its users.
+set(ortha_definitions $<$<NOT:$<BOOL:${BUILD_SHARED_LIBS}>>:ORTHA_STATIC>
+                      $<$<BOOL:${ORTHA_INCLUDE_VERSION_CHECK}>:ORTHA_INCLUDE_VERSION_CHECK>)
+
+# ortha_object_library(NAME SOURCE...): sources of the library, compiled as in the library.
+function(ortha_object_library name)
+    add_library(${name} OBJECT ${ARGN})
+    ortha_target(${name})
+    set_target_properties(${name} PROPERTIES
+        POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+    target_compile_definitions(${name} PRIVATE ORTHA_BUILDING)
+    # The library's few thread-local words are read in every lock and log call: with the default model each reading is a call.
+    target_compile_options(${name} PRIVATE $<$<NOT:$<CXX_COMPILER_ID:MSVC>>:-ftls-model=initial-exec>)
+    # Nobody puts functions of their own in the place of exported ones; without this g++ calls these through a table even within one file.
+    target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
+    target_link_libraries(${name} PUBLIC Threads::Threads)
+    target_compile_definitions(${name} PUBLIC ${ortha_definitions})
+endfunction()
+
+ortha_object_library(ortha_objects ${ortha_sources})
+if(ORTHA_BUILD_BENCHMARKS)
+    # The utilities as ORTHA_PORTABLE_UTILS makes them, to be measured beside the others.
+    file(GLOB portable_utils CONFIGURE_DEPENDS Src/Utils/*.cpp Src/Utils/*/*.cpp)
+    list(FILTER portable_utils EXCLUDE REGEX "/Src/Utils/x86/")
+    ortha_object_library(ortha_portable_utils ${portable_utils})
+endif()
 
 add_library(ortha $<TARGET_OBJECTS:ortha_objects>)
 add_library(Ortha::ortha ALIAS ortha)
@@ -49,12 +70,7 @@ target_link_libraries(ortha PRIVATE Threads::Threads)
 set_target_properties(ortha PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
 
-# Definitions that headers read: the same for the library, its objects and its users.
-foreach(definition IN ITEMS $<$<NOT:$<BOOL:${BUILD_SHARED_LIBS}>>:ORTHA_STATIC>
-                            $<$<BOOL:${ORTHA_INCLUDE_VERSION_CHECK}>:ORTHA_INCLUDE_VERSION_CHECK>)
-    target_compile_definitions(ortha PUBLIC ${definition})
-    target_compile_definitions(ortha_objects PUBLIC ${definition})
-endforeach()
+target_compile_definitions(ortha PUBLIC ${ortha_definitions})
 
 if(BUILD_SHARED_LIBS AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
     set(ortha_map ${PROJECT_SOURCE_DIR}/cmake/ortha.map)

@@ -24,16 +24,27 @@ constexpr auto pairs = [] {
     return table;
 }();
 
-constexpr std::uint8_t noDigit = 0xFF;
+constexpr std::uint16_t noDigit = 0x100;
 
-constexpr auto values = [] {
-    std::array<std::uint8_t, 256> table{};
-    table.fill(noDigit);
-    for (std::uint8_t value = 0; value < 16; ++value)
+// What a digit is worth as the first of a byte's two, and as the second.
+struct Values
+{
+    std::array<std::uint16_t, 256> high;
+    std::array<std::uint16_t, 256> low;
+};
+
+constexpr Values values = [] {
+    Values table{};
+    table.high.fill(noDigit);
+    table.low.fill(noDigit);
+    for (std::uint16_t value = 0; value < 16; ++value)
     {
-        const auto digit = static_cast<unsigned char>(digits[value]);
-        table[digit] = value;
-        table[digit | 0x20] = value;  // lower case; the decimal digits stay what they are
+        const auto digit = static_cast<std::size_t>(digits[value]);
+        for (const std::size_t character : {digit, digit | 0x20})  // lower case too; the decimal digits stay what they are
+        {
+            table.high[character] = static_cast<std::uint16_t>(value << 4);
+            table.low[character] = value;
+        }
     }
     return table;
 }();
@@ -50,13 +61,12 @@ bool decode(const char* source, std::size_t count, unsigned char* destination)
     }
     for (; count != 0; --count, source += 2, ++destination)
     {
-        const unsigned int high = values[static_cast<unsigned char>(source[0])];
-        const unsigned int low = values[static_cast<unsigned char>(source[1])];
-        if ((high | low) > 15)
+        const unsigned int byte = values.high[static_cast<unsigned char>(source[0])] | values.low[static_cast<unsigned char>(source[1])];
+        if (byte >= noDigit)
         {
             return false;
         }
-        *destination = static_cast<unsigned char>(high << 4 | low);
+        *destination = static_cast<unsigned char>(byte);
     }
     return true;
 }

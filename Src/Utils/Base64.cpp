@@ -13,6 +13,16 @@ namespace {
 
 constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
+// Two characters at a time.
+constexpr auto pairs = [] {
+    std::array<std::array<char, 2>, 4096> table{};
+    for (std::size_t bits = 0; bits < table.size(); ++bits)
+    {
+        table[bits] = {alphabet[bits >> 6], alphabet[bits & 63]};
+    }
+    return table;
+}();
+
 constexpr std::uint8_t noValue = 0xFF;
 
 constexpr auto values = [] {
@@ -133,10 +143,8 @@ std::size_t base64EncodeEx(char* destination, const char* source, std::size_t le
     for (; length >= 3; length -= 3, from += 3)
     {
         const std::uint32_t bits = static_cast<std::uint32_t>(from[0] << 16 | from[1] << 8 | from[2]);
-        *at++ = alphabet[bits >> 18];
-        *at++ = alphabet[bits >> 12 & 63];
-        *at++ = alphabet[bits >> 6 & 63];
-        *at++ = alphabet[bits & 63];
+        at = std::copy_n(pairs[bits >> 12].data(), 2, at);
+        at = std::copy_n(pairs[bits & 4095].data(), 2, at);
     }
     if (length != 0)
     {

@@ -111,14 +111,14 @@ CTripleDes::CTripleDes(const unsigned char* key, std::size_t length, BlockType t
     Schedule keys[maxKeys];
     for (std::size_t i = 0; i < maxKeys; ++i)
     {
-        keys[i] = Des::makeSchedule(bytes[i]);
+        Des::makeSchedule(keys[i], bytes[i]);
     }
     own.encrypting[0] = keys[0];
-    own.encrypting[1] = Des::reversed(keys[1]);
+    Des::reverse(own.encrypting[1], keys[1]);
     own.encrypting[2] = keys[2];
-    own.decrypting[0] = Des::reversed(own.keyLength <= keySize ? keys[0] : keys[2]);
+    Des::reverse(own.decrypting[0], own.keyLength <= keySize ? keys[0] : keys[2]);
     own.decrypting[1] = keys[1];
-    own.decrypting[2] = Des::reversed(keys[0]);
+    Des::reverse(own.decrypting[2], keys[0]);
     own.passes = own.keyLength <= keySize ? 1 : 3;
     own.blockSize = own.keyLength > keySize && type == blockType16 ? 16 : 8;
     own.hasIv = iv != nullptr;

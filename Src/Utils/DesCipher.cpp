@@ -100,7 +100,7 @@ std::uint32_t mixed(std::uint32_t half, const std::uint32_t (&key)[2])
 
 }  // namespace
 
-Schedule makeSchedule(const unsigned char (&key)[8])
+void makeSchedule(Schedule& schedule, const unsigned char (&key)[8])
 {
     const auto bits = loadBig<std::uint64_t>(key);
     std::uint32_t halves[2] = {};  // of 28 bits
@@ -108,7 +108,7 @@ Schedule makeSchedule(const unsigned char (&key)[8])
     {
         halves[i / 28] = halves[i / 28] << 1 | static_cast<std::uint32_t>(bits >> (64 - keyChoice1[i]) & 1);
     }
-    Schedule schedule{};
+    schedule = {};
     for (std::size_t round = 0; round < 16; ++round)
     {
         for (std::uint32_t& half : halves)
@@ -123,18 +123,15 @@ Schedule makeSchedule(const unsigned char (&key)[8])
             schedule.keys[round][box % 2] |= bit << (31 - 8 * (box / 2) - i % 6);
         }
     }
-    return schedule;
 }
 
-Schedule reversed(const Schedule& schedule)
+void reverse(Schedule& backward, const Schedule& schedule)
 {
-    Schedule backward;
     for (std::size_t round = 0; round < 16; ++round)
     {
         backward.keys[round][0] = schedule.keys[15 - round][0];
         backward.keys[round][1] = schedule.keys[15 - round][1];
     }
-    return backward;
 }
 
 Block des(Block block, const Schedule* schedules, int count)

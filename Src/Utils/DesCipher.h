@@ -18,9 +18,11 @@ struct Block
     std::uint32_t right;
 };
 
-Schedule makeSchedule(const unsigned char (&key)[8]);
+// Both write to where the keys are to be: no copy of them stays anywhere else.
+
+void makeSchedule(Schedule& schedule, const unsigned char (&key)[8]);
 /// The same keys in the opposite order, which decrypts.
-Schedule reversed(const Schedule& schedule);
+void reverse(Schedule& backward, const Schedule& schedule);
 
 /// Passes with up to three schedules, one after the other.
 Block des(Block block, const Schedule* schedules, int count);

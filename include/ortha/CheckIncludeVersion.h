@@ -70,12 +70,12 @@ template <bool enabled>
 class TCheckIncludeVersion
 {
 public:
-    TCheckIncludeVersion([[maybe_unused]] const char* libName, [[maybe_unused]] const IncludeNode* nodes,
-                         [[maybe_unused]] std::size_t count)
+    TCheckIncludeVersion([[maybe_unused]] const char* library, [[maybe_unused]] const IncludeNode* table,
+                         [[maybe_unused]] std::size_t size)
     {
         if constexpr (enabled)
         {
-            CCheckIncludeVersionInter::instance()->check(libName, nodes, static_cast<int>(count));
+            CCheckIncludeVersionInter::instance()->check(library, table, static_cast<int>(size));
         }
     }
 

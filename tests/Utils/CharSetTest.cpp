@@ -85,9 +85,10 @@ TEST(CharSet, EverySetOfOneByteIsThePublishedOne)
         for (const int extra : {-1, 0, 1})
         {
             int in = 256, out = static_cast<int>(expected.size()) + extra;
-            const std::string got = room(std::string(expected.size(), 'x'), [&](At to) { EXPECT_EQ(sets[set](to, out, at(text), in), 0); });
+            const std::string space(static_cast<std::size_t>(out), 'x');
+            const std::string got = room(space, [&](At to) { EXPECT_EQ(sets[set](to, out, at(text), in), 0); });
             EXPECT_TRUE(got.substr(0, static_cast<std::size_t>(out)) == expected.substr(0, static_cast<std::size_t>(out)) &&
-                        (extra < 0 ? in < 256 : in == 256 && got == expected))
+                        (extra < 0 ? in < 256 : in == 256 && static_cast<std::size_t>(out) == expected.size()))
                 << names[set];
         }
         int one = 1, two = 2;

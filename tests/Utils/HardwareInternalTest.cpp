@@ -5,7 +5,10 @@
 #include <random>
 #include <vector>
 
+#include "utils/CharSet.h"
+
 #include "Src/Utils/Aes/AesEngine.h"
+#include "Src/Utils/CharSet/WideUtf8.h"
 #include "Src/Utils/Crc32Update.h"
 #include "Src/Utils/Sha1Blocks.h"
 
@@ -95,6 +98,44 @@ TEST_F(Hardware, GivesTheSameDigestsAndChecksums)
             ASSERT_TRUE(std::equal(std::begin(given.words), std::end(given.words), expected.words)) << blocks;
         }
     }
+}
+
+TEST_F(Hardware, ReadsTheSameUtf8)
+{
+    const WideUtf8 wide = wideUtf8();
+    std::size_t reached = 0;
+    for (int i = 0; wide && i < 20000; ++i)
+    {
+        // Words of one length of sequence, here and there a byte too many or too few.
+        Bytes text;
+        while (text.size() < 34 + random() % 100)
+        {
+            const int length = static_cast<int>(random() % 3) + 1 + (random() % 50 == 0 ? 1 : 0);
+            for (std::size_t letters = random() % 9; letters != 0; --letters)
+            {
+                unsigned char sequence[4] = {};
+                sequence[0] =
+                    static_cast<unsigned char>(length == 1 ? random() % 0x80 : (0xF00 >> length & 0xFF) | random() % (0x80 >> length));
+                std::generate(sequence + 1, sequence + 4, [this] { return static_cast<unsigned char>(0x80 + random() % 64); });
+                text.insert(text.end(), sequence, sequence + length - (random() % 200 == 0 ? 1 : 0));
+            }
+        }
+        text.shrink_to_fit();
+        std::vector<unsigned short> given(text.size());
+        unsigned short* out = given.data();
+        const auto used = static_cast<std::size_t>(wide(out, text.data(), text.data() + text.size()) - text.data());
+        std::size_t at = 0;
+        for (const unsigned short* unit = given.data(); unit != out; ++unit)
+        {
+            unsigned short expected = 0;
+            const int read = utf8_mbtowc(&expected, text.data() + at, static_cast<int>(text.size() - at));
+            ASSERT_TRUE(read > 0 && *unit == expected) << at;
+            at += static_cast<std::size_t>(read);
+        }
+        ASSERT_EQ(at, used);
+        reached += used;
+    }
+    EXPECT_GT(reached, wide ? 400000 : 0);
 }
 
 }  // namespace

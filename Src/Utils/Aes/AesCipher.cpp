@@ -98,21 +98,43 @@ std::uint32_t mix(const std::array<Words, 4>& tables, std::uint32_t a, std::uint
     return tables[0][byteOf(a, 0)] ^ tables[1][byteOf(b, 1)] ^ tables[2][byteOf(c, 2)] ^ tables[3][byteOf(d, 3)];
 }
 
+using State = std::uint32_t[4];
+
+void load(State& state, const unsigned char* block)
+{
+    for (int i = 0; i < 4; ++i)
+    {
+        state[i] = loadBig<std::uint32_t>(block + 4 * i);
+    }
+}
+
+void exclusiveOr(State& state, const std::uint32_t* words)
+{
+    for (int i = 0; i < 4; ++i)
+    {
+        state[i] ^= words[i];
+    }
+}
+
+void store(unsigned char* block, const State& state)
+{
+    for (int i = 0; i < 4; ++i)
+    {
+        storeBig(block + 4 * i, state[i]);
+    }
+}
+
 // Rows move to the left when encrypting, by their number, and to the right when decrypting.
 template <int Direction>
-void transform(const Schedule& schedule, const std::array<Words, 4>& tables, const Bytes& box, unsigned char* output,
-               const unsigned char* input)
+void transform(const Schedule& schedule, const std::array<Words, 4>& tables, const Bytes& box, State& state)
 {
     constexpr int second = Direction & 3;
     constexpr int fourth = -Direction & 3;
     const std::uint32_t* key = schedule.keys;
-    std::uint32_t state[4];
-    std::uint32_t next[4];
-    for (int i = 0; i < 4; ++i)
-    {
-        state[i] = loadBig<std::uint32_t>(input + 4 * i) ^ *key++;
-    }
-    const auto round = [&](auto step, std::uint32_t(&to)[4], const std::uint32_t(&from)[4]) {
+    State next;
+    exclusiveOr(state, key);
+    key += 4;
+    const auto round = [&](auto step, State& to, const State& from) {
         to[0] = step(from[0], from[second], from[2], from[fourth]) ^ key[0];
         to[1] = step(from[1], from[(1 + second) & 3], from[3], from[(1 + fourth) & 3]) ^ key[1];
         to[2] = step(from[2], from[(2 + second) & 3], from[0], from[(2 + fourth) & 3]) ^ key[2];
@@ -128,10 +150,6 @@ void transform(const Schedule& schedule, const std::array<Words, 4>& tables, con
     }
     round(inner, next, state);
     round(outer, state, next);
-    for (int i = 0; i < 4; ++i)
-    {
-        storeBig(output + 4 * i, state[i]);
-    }
 }
 
 void storeBytes(Schedule& schedule)
@@ -194,12 +212,34 @@ void makeDecryptSchedule(Schedule& schedule, const Schedule& encrypting)
 
 void encryptBlock(const Schedule& schedule, unsigned char* output, const unsigned char* input)
 {
-    transform<1>(schedule, forward, substitution, output, input);
+    State state;
+    load(state, input);
+    transform<1>(schedule, forward, substitution, state);
+    store(output, state);
+}
+
+void encryptChained(const Schedule& schedule, unsigned char* iv, unsigned char* output, const unsigned char* input, std::size_t blocks)
+{
+    // From block to block in registers: the chain is what takes the time.
+    State state;
+    load(state, iv);
+    for (; blocks != 0; --blocks, output += blockSize, input += blockSize)
+    {
+        State block;
+        load(block, input);
+        exclusiveOr(state, block);
+        transform<1>(schedule, forward, substitution, state);
+        store(output, state);
+    }
+    store(iv, state);
 }
 
 void decryptBlock(const Schedule& schedule, unsigned char* output, const unsigned char* input)
 {
-    transform<-1>(schedule, backward, inverseSubstitution, output, input);
+    State state;
+    load(state, input);
+    transform<-1>(schedule, backward, inverseSubstitution, state);
+    store(output, state);
 }
 
 }  // namespace General::Utils::AES

@@ -25,4 +25,7 @@ void makeDecryptSchedule(Schedule& schedule, const Schedule& encrypting);
 void encryptBlock(const Schedule& schedule, unsigned char* output, const unsigned char* input);
 void decryptBlock(const Schedule& schedule, unsigned char* output, const unsigned char* input);
 
+/// Cipher block chaining over whole blocks; `iv` becomes the last block of the output, which may be the input.
+void encryptChained(const Schedule& schedule, unsigned char* iv, unsigned char* output, const unsigned char* input, std::size_t blocks);
+
 }  // namespace General::Utils::AES

@@ -41,16 +41,6 @@ void decrypt(const Schedule& schedule, unsigned char* output, const unsigned cha
     }
 }
 
-void cbcEncrypt(const Schedule& schedule, unsigned char* iv, unsigned char* output, const unsigned char* input, std::size_t blocks)
-{
-    for (; blocks != 0; --blocks, output += blockSize, input += blockSize)
-    {
-        exclusiveOr(iv, iv, input);
-        encryptBlock(schedule, iv, iv);
-        std::memcpy(output, iv, blockSize);
-    }
-}
-
 void cbcDecrypt(const Schedule& schedule, unsigned char* iv, unsigned char* output, const unsigned char* input, std::size_t blocks)
 {
     for (; blocks != 0; --blocks, output += blockSize, input += blockSize)
@@ -117,7 +107,7 @@ const Engine& choose()
 
 }  // namespace
 
-const Engine portableEngine = {encrypt, decrypt, cbcEncrypt, cbcDecrypt, cfb8<true>, cfb8<false>, cfb128<true>, cfb128<false>, ctr};
+const Engine portableEngine = {encrypt, decrypt, encryptChained, cbcDecrypt, cfb8<true>, cfb8<false>, cfb128<true>, cfb128<false>, ctr};
 
 const Engine& engine()
 {

@@ -153,24 +153,22 @@ int UniTGb2312(unsigned short* source, int count, char* destination, int size)
     {
         return 0;
     }
-    std::memset(destination, 0, static_cast<std::size_t>(size));
     int converted = 0;
-    for (int at = 0; converted < count && source[converted] != 0 && at < size; ++converted)
+    int at = 0;
+    bool mapped = true;
+    for (; converted < count && source[converted] != 0 && at < size; ++converted)
     {
-        unsigned char bytes[2];
-        const int length = uni2char(source[converted], bytes, 2);
+        const int length = uni2char(source[converted], reinterpret_cast<unsigned char*>(destination) + at, size - at);
         if (length == -1)
         {
-            return -1;
-        }
-        if (length > size - at)
-        {
+            unsigned char bytes[2];
+            mapped = uni2char(source[converted], bytes, 2) != -1;  // then there was no room
             break;
         }
-        std::memcpy(destination + at, bytes, static_cast<std::size_t>(length));
         at += length;
     }
-    return converted;
+    std::memset(destination + at, 0, static_cast<std::size_t>(size - at));
+    return mapped ? converted : -1;
 }
 
 int Gb2312TUtf8(char* source, unsigned char* destination, int size)

@@ -19,10 +19,12 @@ constexpr Table tables[] = {
 #include "Src/Utils/CharSet/SingleByte.inc"
 };
 
+constexpr std::ptrdiff_t longest = 3;
+
 // A byte as the sequence that it becomes, of length 0 if it is not mapped.
 struct Sequence
 {
-    unsigned char bytes[3];
+    unsigned char bytes[longest];
     std::uint8_t length;
 };
 
@@ -55,18 +57,17 @@ int toUtf8(std::size_t set, unsigned char* out, int& outLength, const unsigned c
     const unsigned char* const inEnd = in + inLength;
     unsigned char* to = out;
     const unsigned char* from = in;
+    // With room for the longest all of its bytes are written, and what is too much written over: no jump depends on the length.
+    for (; from != inEnd && outEnd - to >= longest; ++from)
+    {
+        const Sequence& sequence = table[*from];
+        std::memcpy(to, sequence.bytes, longest);
+        to += sequence.length;
+    }
     for (; from != inEnd && table[*from].length <= outEnd - to; ++from)
     {
         const Sequence& sequence = table[*from];
-        if (sequence.length == 2)
-        {
-            std::memcpy(to, sequence.bytes, 2);
-        }
-        else
-        {
-            std::copy_n(sequence.bytes, sequence.length, to);
-        }
-        to += sequence.length;
+        to = std::copy_n(sequence.bytes, sequence.length, to);
     }
     inLength = static_cast<int>(from - in);
     outLength = static_cast<int>(to - out);

@@ -11,6 +11,7 @@
 #include "utils/CharSet.h"
 
 #include "Src/Utils/CharSet/Utf8.h"
+#include "Src/Utils/CharSet/WideUtf8.h"
 
 namespace General::Utils {
 
@@ -150,8 +151,17 @@ int utf8_mbstowcs(unsigned short* out, const unsigned char* in, int bound)
     const unsigned short* const begin = out;
     const void* const zero = bound > 0 ? std::memchr(in, 0, static_cast<std::size_t>(bound)) : in;
     const unsigned char* const end = zero ? static_cast<const unsigned char*>(zero) : in + bound;
+    static const WideUtf8 s_wide = wideUtf8();
     while (in != end)
     {
+        if (s_wide)
+        {
+            in = s_wide(out, in, end);
+            if (in == end)
+            {
+                break;
+            }
+        }
         if (*in >= 0x80)
         {
             const int read = readSequence(out, in, static_cast<int>(end - in));

@@ -1,5 +1,6 @@
 // The hardware paths of a build that has none.
 #include "Src/Utils/Aes/AesEngine.h"
+#include "Src/Utils/CharSet/WideUtf8.h"
 #include "Src/Utils/Crc32Update.h"
 #include "Src/Utils/Sha1Blocks.h"
 #include "Src/Utils/WideText.h"
@@ -22,6 +23,11 @@ Crc32Update crc32MultiplyingWide()
 }
 
 const WideText* wideText()
+{
+    return nullptr;
+}
+
+WideUtf8 wideUtf8()
 {
     return nullptr;
 }

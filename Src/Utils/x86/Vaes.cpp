@@ -1,5 +1,6 @@
 // AES by instructions for four blocks at once. Compiled for AES, VAES and AVX-512. What cannot be done side by side is that of AesNi.cpp.
 #include "Src/Utils/Aes/AesEngine.h"
+#include "Src/Utils/Bytes.h"
 #include "Src/Utils/x86/AesRounds.h"
 #include "Src/Utils/x86/Cpu.h"
 
@@ -21,6 +22,10 @@ struct WideKeys
             key[i] = _mm512_broadcast_i32x4(_mm_load_si128(reinterpret_cast<const __m128i*>(schedule.bytes) + i));
         }
     }
+
+    WideKeys(const WideKeys&) = delete;
+    WideKeys& operator=(const WideKeys&) = delete;
+    ~WideKeys() { wipe(key, (static_cast<std::size_t>(rounds) + 1) * vectorSize); }
 
     __m512i key[15];
     const int rounds;
