@@ -70,8 +70,7 @@ template <bool enabled>
 class TCheckIncludeVersion
 {
 public:
-    TCheckIncludeVersion([[maybe_unused]] const char* library, [[maybe_unused]] const IncludeNode* table,
-                         [[maybe_unused]] std::size_t size)
+    TCheckIncludeVersion([[maybe_unused]] const char* library, [[maybe_unused]] const IncludeNode* table, [[maybe_unused]] std::size_t size)
     {
         if constexpr (enabled)
         {

@@ -1,6 +1,5 @@
 // AES by instructions for four blocks at once. Compiled for AES, VAES and AVX-512. What cannot be done side by side is that of AesNi.cpp.
 #include "Src/Utils/Aes/AesEngine.h"
-#include "Src/Utils/Bytes.h"
 #include "Src/Utils/x86/AesRounds.h"
 #include "Src/Utils/x86/Cpu.h"
 
@@ -25,7 +24,14 @@ struct WideKeys
 
     WideKeys(const WideKeys&) = delete;
     WideKeys& operator=(const WideKeys&) = delete;
-    ~WideKeys() { wipe(key, (static_cast<std::size_t>(rounds) + 1) * vectorSize); }
+    ~WideKeys()
+    {
+        for (int i = 0; i <= rounds; ++i)
+        {
+            key[i] = _mm512_setzero_si512();
+        }
+        asm volatile("" : : "r"(key) : "memory");  // the stores stay
+    }
 
     __m512i key[15];
     const int rounds;

@@ -1,9 +1,9 @@
-// Reading UTF-8 with AVX-512 VBMI2, for which this is compiled. (R. Clausecker, D. Lemire: Transcoding Unicode Characters with AVX-512 Instructions, 2023.)
+// Reading UTF-8 with AVX-512 VBMI2, for which this is compiled: it uses no function of the standard library, which could stay in the program for others to call.
+// (R. Clausecker, D. Lemire: Transcoding Unicode Characters with AVX-512 Instructions, 2023.)
 #include "Src/Utils/CharSet/WideUtf8.h"
 
 #include <immintrin.h>
 
-#include <bit>
 #include <cstdint>
 
 namespace General::Utils {
@@ -58,12 +58,12 @@ const unsigned char* read(unsigned short*& out, const unsigned char* in, const u
             break;
         }
         const __mmask32 starts = ~continues;
-        const auto count = static_cast<unsigned int>(std::popcount(starts));
+        const auto count = static_cast<unsigned int>(__builtin_popcount(starts));
         _mm512_mask_storeu_epi16(out, _bzhi_u32(~0U, count), _mm512_maskz_compress_epi16(starts, units));
         out += count;
         taken = beyond;
     }
-    return in + std::popcount(taken);
+    return in + __builtin_popcount(taken);
 }
 
 }  // namespace
