@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "ortha/ortha3/Assert.h"
 

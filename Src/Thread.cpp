@@ -119,7 +119,7 @@ namespace {
 class CThreadManager : public IThreadManager
 {
 public:
-    CThreadManager() { logTrace("CThreadManager::CThreadManager()>>>>>>>>>\n"); }
+    void onCreated() { logTrace("CThreadManager::CThreadManager()>>>>>>>>>\n"); }
 
     void registerMainThread() override { General::Ortha::CThreadManager::instance()->registerMainThread(); }
     void dumpThreads() override { General::Ortha::CThreadManager::instance()->dumpThreads(); }

@@ -1,5 +1,6 @@
 #include "ortha/Time.h"
 
+#include <cstdint>
 #include <utility>
 
 #include "ortha/ortha3/PrintLog.h"

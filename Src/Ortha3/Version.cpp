@@ -1,6 +1,8 @@
 #include "ortha/ortha3/Version.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
 #include <cstring>
 
 #include "ortha/ortha3/PrintLog.h"
@@ -13,19 +15,31 @@ namespace {
 
 constexpr char months[][4] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
+// The number at the beginning of a text, blanks before it passed over, and where it ends; 0, at the beginning, if there is none.
+int number(const char* text, const char*& end)
+{
+    char* last = nullptr;
+    const long value = std::strtol(text, &last, 10);
+    end = last;
+    return static_cast<int>(std::clamp<long>(value, INT_MIN, INT_MAX));
+}
+
 // The revision at the beginning of a text, or behind the letters, colons and dollar sign of a keyword.
 int revisionNumber(const char* text)
 {
-    return leadingNumber(
-        text + (text[0] >= '0' && text[0] <= '9' ? 0 : std::strspn(text, "$:ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz")));
+    if (text[0] >= '0' && text[0] <= '9')
+    {
+        return leadingNumber(text);
+    }
+    const std::size_t keyword = std::strspn(text, "$:ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
+    return keyword == 0 ? 0 : leadingNumber(text + keyword);
 }
 
 }  // namespace
 
 int leadingNumber(const char* text)
 {
-    int number = 0;
-    return std::sscanf(text, "%9d", &number) == 1 ? number : 0;
+    return number(text, text);
 }
 
 SystemTime buildDate(const char* text)
@@ -43,7 +57,8 @@ SystemTime buildDate(const char* text)
     }
     if (std::strlen(text) > 3)
     {
-        std::sscanf(text + 3, "%9d %9d", &date.day, &date.year);
+        date.day = number(text + 3, text);
+        date.year = number(text, text);
     }
     return date;
 }

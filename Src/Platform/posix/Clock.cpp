@@ -1,6 +1,7 @@
 #include "Src/Platform/Clock.h"
 
 #include <atomic>
+#include <climits>
 #include <ctime>
 
 namespace General::Ortha::Platform {
@@ -60,7 +61,7 @@ bool splitLocal(std::uint64_t seconds, CalendarTime& time)
 {
     const auto second = static_cast<std::time_t>(seconds);
     std::tm fields;
-    if (second < 0 || !localtime_r(&second, &fields))
+    if (second < 0 || !localtime_r(&second, &fields) || fields.tm_year > INT_MAX - 1900)
     {
         return false;
     }

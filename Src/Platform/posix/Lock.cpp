@@ -16,9 +16,34 @@ namespace {
 // Set in the word of a lock for which somebody may sleep: the owner wakes one when it leaves. Thread ids stay below it.
 constexpr std::uint32_t contended = 0x80000000u;
 
-pthread_mutex_t* makeMutex()
+// The system's mutex, with its owner and the number of its enters: the system tells neither.
+struct OwnedMutex
 {
-    auto mutex = std::unique_ptr<pthread_mutex_t>(new (std::nothrow) pthread_mutex_t);
+    pthread_mutex_t mutex;
+    std::atomic<int> owner{0};
+    unsigned int count = 0;
+
+    // `result` is what locking gave. A mutex that its owner took to its end goes on as if it had been free.
+    bool entered(int result)
+    {
+        if (result == EOWNERDEAD && pthread_mutex_consistent(&mutex) == 0)
+        {
+            count = 0;
+            result = 0;
+        }
+        if (result != 0)
+        {
+            return false;
+        }
+        owner.store(currentThreadId(), std::memory_order_relaxed);
+        ++count;
+        return true;
+    }
+};
+
+OwnedMutex* makeMutex()
+{
+    auto mutex = std::unique_ptr<OwnedMutex>(new (std::nothrow) OwnedMutex);
     pthread_mutexattr_t attributes;
     if (!mutex || pthread_mutexattr_init(&attributes) != 0)
     {
@@ -26,20 +51,14 @@ pthread_mutex_t* makeMutex()
     }
     pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
     pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
-    const int error = pthread_mutex_init(mutex.get(), &attributes);
+    const int error = pthread_mutex_init(&mutex->mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
     return error == 0 ? mutex.release() : nullptr;
 }
 
-// Whether the calling thread owns the mutex now. One that its owner took to its end goes on as if nothing had happened.
-bool owned(pthread_mutex_t* mutex, int result)
+OwnedMutex& mutexOf(void* handle)
 {
-    return result == 0 || (result == EOWNERDEAD && pthread_mutex_consistent(mutex) == 0);
-}
-
-pthread_mutex_t* mutexOf(void* handle)
-{
-    return static_cast<pthread_mutex_t*>(handle);
+    return *static_cast<OwnedMutex*>(handle);
 }
 
 }  // namespace
@@ -106,26 +125,42 @@ KernelMutex::KernelMutex() : m_handle(makeMutex()) {}
 
 KernelMutex::~KernelMutex()
 {
-    if (m_handle)
+    // One that another thread owns stays: the system goes through the mutexes of a thread when it ends.
+    if (!m_handle || !tryEnter())
     {
-        pthread_mutex_destroy(mutexOf(m_handle));
-        delete mutexOf(m_handle);
+        return;
     }
+    while (leave())
+    {
+    }
+    pthread_mutex_destroy(&mutexOf(m_handle).mutex);
+    delete &mutexOf(m_handle);
 }
 
 bool KernelMutex::enter()
 {
-    return owned(mutexOf(m_handle), pthread_mutex_lock(mutexOf(m_handle)));
+    OwnedMutex& own = mutexOf(m_handle);
+    return own.entered(pthread_mutex_lock(&own.mutex));
 }
 
 bool KernelMutex::tryEnter()
 {
-    return owned(mutexOf(m_handle), pthread_mutex_trylock(mutexOf(m_handle)));
+    OwnedMutex& own = mutexOf(m_handle);
+    return own.entered(pthread_mutex_trylock(&own.mutex));
 }
 
 bool KernelMutex::leave()
 {
-    return pthread_mutex_unlock(mutexOf(m_handle)) == 0;
+    OwnedMutex& own = mutexOf(m_handle);
+    if (own.owner.load(std::memory_order_relaxed) != currentThreadId())
+    {
+        return false;
+    }
+    if (--own.count == 0)
+    {
+        own.owner.store(0, std::memory_order_relaxed);
+    }
+    return pthread_mutex_unlock(&own.mutex) == 0;
 }
 
 }  // namespace General::Ortha::Platform
