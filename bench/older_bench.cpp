@@ -1,4 +1,4 @@
-// The older interface beside the newer one that it forwards to. Rows are named older/operation/who.
+// The older interface, ours, beside the newer one that it forwards to. Rows are named older/operation/who.
 #include <cstdlib>
 #include <fstream>
 
@@ -72,15 +72,15 @@ int main(int argc, char** argv)
     static CMutex s_mutex;
     static Newer::CMutex s_newerMutex;
     static std::recursive_mutex s_stdMutex;
-    compare("mutex/enter-leave", "older", s_mutex, [](CMutex& mutex) ORTHA_NO_THREAD_SAFETY_ANALYSIS { mutex.Enter(), mutex.Leave(); });
+    compare("mutex/enter-leave", "ortha", s_mutex, [](CMutex& mutex) ORTHA_NO_THREAD_SAFETY_ANALYSIS { mutex.Enter(), mutex.Leave(); });
     compare("mutex/enter-leave", "newer", s_newerMutex, [](auto& mutex) ORTHA_NO_THREAD_SAFETY_ANALYSIS { mutex.enter(), mutex.leave(); });
     compare("mutex/enter-leave", "std-recursive", s_stdMutex, [](auto& mutex) { mutex.lock(), mutex.unlock(); });
 
     static CPacket s_packet(1000);
     static General::Memory::CPacket s_newerPacket = s_packet;
-    compare("packet/buffer", "older", s_packet, [](CPacket& packet) { benchmark::DoNotOptimize(packet.GetBuffer()); });
+    compare("packet/buffer", "ortha", s_packet, [](CPacket& packet) { benchmark::DoNotOptimize(packet.GetBuffer()); });
     compare("packet/buffer", "newer", s_newerPacket, [](auto& packet) { benchmark::DoNotOptimize(packet.getBuffer()); });
-    compare("packet/length", "older", s_packet, [](CPacket& packet) { benchmark::DoNotOptimize(packet.GetLength()); });
+    compare("packet/length", "ortha", s_packet, [](CPacket& packet) { benchmark::DoNotOptimize(packet.GetLength()); });
     compare("packet/length", "newer", s_newerPacket, [](auto& packet) { benchmark::DoNotOptimize(packet.size()); });
 
     const Bench::Scratch scratch;
@@ -92,18 +92,18 @@ int main(int argc, char** argv)
     {
         return 1;
     }
-    compare("file/read-16", "older", s_file, read16);
+    compare("file/read-16", "ortha", s_file, read16);
     compare("file/read-16", "newer", s_newerFile, read16);
 
-    compareTime<CTime>("older");
+    compareTime<CTime>("ortha");
     compareTime<Newer::CTime>("newer", 0);
     static Idle<CThread> s_thread;
     static Idle<Newer::CThread> s_newerThread;
-    compare("thread/looping", "older", s_thread, looping);
+    compare("thread/looping", "ortha", s_thread, looping);
     compare("thread/looping", "newer", s_newerThread, looping);
     static CTimer s_timer("Bench");
     static Newer::CTimer s_newerTimer("Bench");
-    compare("timer/is-started", "older", s_timer, [](CTimer& timer) { benchmark::DoNotOptimize(timer.isStarted()); });
+    compare("timer/is-started", "ortha", s_timer, [](CTimer& timer) { benchmark::DoNotOptimize(timer.isStarted()); });
     compare("timer/is-started", "newer", s_newerTimer, [](auto& timer) { benchmark::DoNotOptimize(timer.isStarted()); });
     return Bench::run(argc, argv);
 }

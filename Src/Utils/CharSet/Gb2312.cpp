@@ -135,6 +135,11 @@ int Gb2312ToUni(char* source, unsigned short* destination, int count)
     int written = 0;
     while (*at != 0 && written < count)
     {
+        if (*at < 0x80)
+        {
+            destination[written++] = *at++;
+            continue;
+        }
         // A text is terminated, so a pair has its second byte, if only the terminator.
         const int read = char2uni(at, 2, destination + written);
         if (read == -1)
