@@ -4,6 +4,7 @@ find_package(Threads REQUIRED)
 
 if(WIN32)
     set(ortha_platform Src/Platform/win32)
+    enable_language(RC)
 else()
     set(ortha_platform Src/Platform/posix)
 endif()
@@ -20,10 +21,12 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$" AND NOT MSVC AND NOT ORTHA_
     set(ortha_CrcMultiplyWide ${ortha_CrcMultiply} -mvpclmulqdq -mavx512f)
     set(ortha_WideText -mavx2)
     set(ortha_WideUtf8 -mavx512f -mavx512bw -mavx512vl -mavx512vbmi2 -mbmi2 -mpopcnt)
+    # g++ takes the stack there for aligned to more than the 16 bytes that it is.
+    set(ortha_vector_moves $<$<BOOL:${MINGW}>:-Wa,-muse-unaligned-vector-move>)
     foreach(name AesNi Vaes Sha1Ni CrcMultiply CrcMultiplyWide WideText WideUtf8)
         # g++ 12 takes its own intrinsics for uninitialised.
         set_source_files_properties(${PROJECT_SOURCE_DIR}/Src/Utils/x86/${name}.cpp PROPERTIES COMPILE_OPTIONS
-            "${ortha_${name}};-O3;$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>")
+            "${ortha_${name}};-O3;$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>;${ortha_vector_moves}")
     endforeach()
 else()
     list(FILTER ortha_sources EXCLUDE REGEX "/Src/Utils/x86/")
@@ -44,7 +47,7 @@ function(ortha_object_library name)
     set_target_properties(${name} PROPERTIES
         POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
-    target_compile_definitions(${name} PRIVATE ORTHA_BUILDING)
+    target_compile_definitions(${name} PRIVATE ORTHA_BUILDING INTERFACE ORTHA_STATIC)
     # The library's few thread-local words are read in every lock and log call: with the default model each reading is a call.
     target_compile_options(${name} PRIVATE $<$<NOT:$<CXX_COMPILER_ID:MSVC>>:-ftls-model=initial-exec>)
     # Nobody puts functions of their own in the place of exported ones; without this g++ calls these through a table even within one file.
@@ -72,6 +75,11 @@ set_target_properties(ortha PROPERTIES
 
 target_compile_definitions(ortha PUBLIC ${ortha_definitions})
 
+if(BUILD_SHARED_LIBS AND WIN32)
+    configure_file(cmake/ortha.rc.in ortha.rc @ONLY)
+    target_sources(ortha PRIVATE ${PROJECT_BINARY_DIR}/ortha.rc)
+    set_target_properties(ortha PROPERTIES PREFIX "")
+endif()
 if(BUILD_SHARED_LIBS AND CMAKE_SYSTEM_NAME STREQUAL "Linux")
     set(ortha_map ${PROJECT_SOURCE_DIR}/cmake/ortha.map)
     target_link_options(ortha PRIVATE LINKER:--version-script=${ortha_map})

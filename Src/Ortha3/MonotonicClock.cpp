@@ -25,7 +25,8 @@ void initPerformanceQueryCount()
     const std::uint64_t frequency = Platform::counterFrequency();
     if (m_frequency.compare_exchange_strong(unset, frequency))
     {
-        ORTHA_LOG(levelInfo, "init freq: %lu, base time: %lu\n", frequency, m_baseCount.load());
+        ORTHA_LOG(levelInfo, "init freq: %llu, base time: %llu\n", static_cast<unsigned long long>(frequency),
+                  static_cast<unsigned long long>(m_baseCount.load()));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <optional>
 
 #include "ortha/ortha3/Assert.h"
 
@@ -101,6 +102,8 @@ private:
 class WriterFirstMode
 {
 public:
+    [[nodiscard]] bool valid() const { return m_readerEvent.valid() && m_writerSemaphore.valid(); }
+
     void enterReading()
     {
         m_stateLock.enter();
@@ -217,7 +220,7 @@ struct CReadWriteMutex::RWMutexInternal
 {
     const RWPriority m_rwPriority;
     SpinMode m_spin;
-    WriterFirstMode m_writerFirst;
+    std::optional<WriterFirstMode> m_writerFirst;  // in that mode alone: the system's objects behind it are not free
 };
 
 CReadWriteMutex::CReadWriteMutex() : CReadWriteMutex(priorityDefault) {}
@@ -226,6 +229,11 @@ CReadWriteMutex::CReadWriteMutex(RWPriority priority)
     : m_internal(new RWMutexInternal{priority == priorityWriter ? priorityWriter : priorityDefault, {}, {}})
 {
     ORTHA_ASSERT(m_internal);
+    if (priority == priorityWriter)
+    {
+        m_internal->m_writerFirst.emplace();
+        ORTHA_ASSERT(m_internal->m_writerFirst->valid());
+    }
     if (priority != priorityDefault && priority != priorityWriter)
     {
         ORTHA_LOG(levelWarn, "this:%p Input rwpriority level error, priorityDefault used!\n", static_cast<void*>(this));
@@ -249,7 +257,7 @@ bool CReadWriteMutex::enterReading()
     }
     else
     {
-        m_internal->m_writerFirst.enterReading();
+        m_internal->m_writerFirst->enterReading();
     }
     return true;
 }
@@ -262,14 +270,14 @@ bool CReadWriteMutex::enterWriting()
     }
     else
     {
-        m_internal->m_writerFirst.enterWriting();
+        m_internal->m_writerFirst->enterWriting();
     }
     return true;
 }
 
 bool CReadWriteMutex::leave()
 {
-    return m_internal->m_rwPriority == priorityDefault ? m_internal->m_spin.leave() : m_internal->m_writerFirst.leave();
+    return m_internal->m_rwPriority == priorityDefault ? m_internal->m_spin.leave() : m_internal->m_writerFirst->leave();
 }
 
 }  // namespace General::Ortha

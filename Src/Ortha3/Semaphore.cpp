@@ -1,5 +1,6 @@
 #include "ortha/ortha3/Semaphore.h"
 
+#include <memory>
 #include <new>
 
 #include "ortha/ortha3/Assert.h"
@@ -18,13 +19,17 @@ struct CSemaphore::Internal
 {
     Platform::CountingSemaphore* m_handle;  // null if the system refused
 
+    static Platform::CountingSemaphore* make(int initialCount)
+    {
+        using Semaphore = Platform::CountingSemaphore;
+        auto semaphore = std::unique_ptr<Semaphore>(
+            initialCount < 0 ? nullptr : new (std::nothrow) Semaphore(static_cast<std::uint32_t>(initialCount), maximumCount));
+        return semaphore && semaphore->valid() ? semaphore.release() : nullptr;
+    }
     [[nodiscard]] int wait(std::uint32_t milliseconds) const { return m_handle->wait(milliseconds) ? 0 : -1; }
 };
 
-CSemaphore::CSemaphore(int initialCount)
-    : m_internal(new Internal{initialCount < 0 ? nullptr
-                                               : new (std::nothrow)
-                                                     Platform::CountingSemaphore(static_cast<std::uint32_t>(initialCount), maximumCount)})
+CSemaphore::CSemaphore(int initialCount) : m_internal(new Internal{Internal::make(initialCount)})
 {
     ORTHA_ASSERT(m_internal->m_handle);
 }

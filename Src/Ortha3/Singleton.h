@@ -2,10 +2,11 @@
 #pragma once
 
 #include <atomic>
-#include <cstdlib>
 
 #include "ortha/ortha3/Mutex.h"
 #include "ortha/ortha3/PrintLog.h"
+
+#include "Src/Platform/ExitHandler.h"
 
 namespace General::Ortha {
 
@@ -33,7 +34,7 @@ private:
         {
             object = new T;
             s_object.store(object, std::memory_order_release);
-            if (std::atexit(&destroy) != 0)
+            if (!Platform::callAtExit(&destroy))
             {
                 ::logInfo("atexit failed!\n");
             }

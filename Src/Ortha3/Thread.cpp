@@ -53,23 +53,6 @@ void ThreadInternal::setDeadline(int ms, std::uint64_t now)
 
 void ThreadInternal::body(void* record)
 {
-    // Also taken when the thread is terminated. Once m_running is 0 the object and the record may be gone.
-    struct Leave
-    {
-        ThreadInternal& thread;
-        ~Leave()
-        {
-            thread.m_registry.removeThread(&thread);
-            const bool orphaned = thread.m_orphaned;
-            thread.m_loop = false;
-            thread.m_running = 0;
-            if (orphaned)
-            {
-                delete &thread;
-            }
-        }
-    };
-
     ThreadInternal& thread = *static_cast<ThreadInternal*>(record);
     {
         CGuard guard(thread.m_mutex);
@@ -78,11 +61,24 @@ void ThreadInternal::body(void* record)
     }
     Platform::setSystemThreadName(thread.m_id, thread.m_name.copy().text);
     thread.m_registry.addThread(&thread);
-    const Leave leave{thread};
     ORTHA_LOG(levelTrace, "ThreadBody Enter name:%s, id:%d, prior:%s%d, stack:%p\n", thread.m_name.copy().text, thread.m_id.load(),
-              thread.m_policy == policyRealTime ? "R" : "N", thread.m_priority, static_cast<const void*>(&leave));
+              thread.m_policy == policyRealTime ? "R" : "N", thread.m_priority, static_cast<const void*>(&record));
     thread.m_owner->threadProc();
     ORTHA_LOG(levelTrace, "ThreadBody leave name:%s, id:%d \n", thread.m_name.copy().text, thread.m_id.load());
+}
+
+void ThreadInternal::ended(void* record)
+{
+    ThreadInternal& thread = *static_cast<ThreadInternal*>(record);
+    thread.m_registry.removeThread(&thread);
+    const bool orphaned = thread.m_orphaned;
+    thread.m_loop = false;
+    thread.m_running = 0;
+    // From here on the object and the record may be gone.
+    if (orphaned)
+    {
+        delete &thread;
+    }
 }
 
 CThread::CThread(const char* name, int priority, int policy, int stackSize)
@@ -172,7 +168,7 @@ int ThreadInternal::start()
     m_id = -1;
     m_destroying = false;
     m_deadline = 0;
-    int error = m_handle.start(static_cast<std::size_t>(std::max(m_stackSize, 0)), &ThreadInternal::body, this);
+    int error = m_handle.start(static_cast<std::size_t>(std::max(m_stackSize, 0)), &ThreadInternal::body, &ThreadInternal::ended, this);
     if (error == 0)
     {
         error = m_handle.setPriority(platformPriority());

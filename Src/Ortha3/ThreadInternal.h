@@ -31,6 +31,8 @@ struct ThreadInternal
 
     /// What a new thread runs; `record` is its ThreadInternal.
     static void body(void* record);
+    /// What follows it, also if the thread is terminated.
+    static void ended(void* record);
 
     /// The platform's priority for this thread's policy and priority.
     [[nodiscard]] int platformPriority() const;

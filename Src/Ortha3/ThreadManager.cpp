@@ -27,11 +27,16 @@ void ThreadManagerInternal::Registry::addThread(ThreadInternal* thread)
 void ThreadManagerInternal::Registry::removeThread(ThreadInternal* thread)
 {
     CGuard guard(mutex);
+    if (head != thread && !thread->m_prev)
+    {
+        return;  // it was terminated before it came into the list
+    }
     (thread->m_prev ? thread->m_prev->m_next : head) = thread->m_next;
     if (thread->m_next)
     {
         thread->m_next->m_prev = thread->m_prev;
     }
+    thread->m_prev = thread->m_next = nullptr;
 }
 
 ThreadInternal* ThreadManagerInternal::Registry::getThread(int id)

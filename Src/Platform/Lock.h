@@ -8,12 +8,12 @@ namespace General::Ortha::Platform {
 
 /// A re-entrant lock: its owner may enter again, and gives it up with the same number of leaves. Not fair: a thread that comes while a sleeper is being
 /// woken may go first. A thread that must wait sleeps.
-/// What a back end must give: enter is an acquire, leave a release operation; nothing allocates; destruction of a lock that nobody holds or waits for
-/// needs no call, so that a lock may be a static object that other threads still use while the process exits.
+/// What a back end must give: enter is an acquire, leave a release operation; construction does not fail, and none of the three allocates.
 class alignas(64) CriticalSection  // alone in its cache line: contenders do not slow down whoever works beside it
 {
 public:
-    constexpr CriticalSection() = default;
+    CriticalSection();
+    ~CriticalSection();
     CriticalSection(const CriticalSection&) = delete;
     CriticalSection& operator=(const CriticalSection&) = delete;
 
@@ -24,11 +24,20 @@ public:
     void leave();
 
 private:
+#ifdef _WIN32
+    alignas(void*) unsigned char m_native[40];  // the system's own
+#else
     void enterContended(std::uint32_t self);
 
     std::atomic<std::uint32_t> m_word{0};  // 0 free; else the owner's thread id, and the mark that somebody may sleep
     std::uint32_t m_nested = 0;            // enters of the owner beyond the first; the owner's alone
+#endif
 };
+
+#ifndef _WIN32
+inline CriticalSection::CriticalSection() = default;
+inline CriticalSection::~CriticalSection() = default;
+#endif
 
 /// A re-entrant lock of the system's, which knows its owner. If a thread ends while it owns the lock, the next one that enters gets it.
 class KernelMutex

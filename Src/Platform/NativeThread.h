@@ -7,6 +7,10 @@
 
 namespace General::Ortha::Platform {
 
+#ifdef _WIN32
+/// The calling thread's system id, positive.
+int currentThreadId();
+#else
 namespace Detail {
 /// The calling thread's id once it has been read, else 0.
 extern constinit thread_local int cachedThreadId;
@@ -18,6 +22,7 @@ inline int currentThreadId()
 {
     return Detail::cachedThreadId != 0 ? Detail::cachedThreadId : Detail::readThreadId();
 }
+#endif
 
 /// Sleeps; 0 gives the processor to another thread that can run.
 void sleepMilliseconds(std::uint32_t milliseconds);
@@ -38,9 +43,10 @@ public:
     /// Holds no thread.
     NativeThread() = default;
 
-    /// Starts a thread that runs `routine` and knows its id before this returns. `stackSize` is in bytes, 0 for the default, and is raised to what
-    /// the system needs at least. 0, or the system's error code, and then no thread is held. A former thread is let go.
-    int start(std::size_t stackSize, Routine routine, void* argument);
+    /// Starts a thread that runs `routine`, and knows its id before this returns. `ended` is called once behind it, also if the thread is terminated: on
+    /// the thread itself, or, where that is gone at once, on the one that terminated it. `stackSize` is in bytes, 0 for the default, and is raised to
+    /// what the system needs at least. 0, or the system's error code, and then no thread is held. A former thread is let go.
+    int start(std::size_t stackSize, Routine routine, Routine ended, void* argument);
 
     /// True if a thread is held, running or ended.
     [[nodiscard]] bool valid() const { return m_record != nullptr; }
@@ -53,8 +59,8 @@ public:
     [[nodiscard]] unsigned int exitCode() const;
     /// Sets one of the seven priorities 15, 2, 1, 0, -1, -2, -15. 0, or the system's error code; a refusal for lack of privilege counts as success.
     int setPriority(int priority) const;
-    /// Ends the thread at its next system wait, with its objects destroyed; on the thread itself at once, and does not return. True if the thread has
-    /// ended or the request was taken.
+    /// Ends the thread: where the system can, at its next wait and with the objects on its stack destroyed; else at once, and what it holds stays held.
+    /// On the thread itself at once, and does not return. True if the thread has ended or the request was taken.
     bool terminate() const;
 
 private:

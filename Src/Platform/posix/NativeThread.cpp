@@ -76,6 +76,7 @@ void setSystemThreadName(int threadId, const char* name)
 struct NativeThread::Record
 {
     Routine routine;
+    Routine atEnd;
     void* argument;
     pthread_t thread{};
     std::atomic<std::uint32_t> id{0};
@@ -87,6 +88,7 @@ struct NativeThread::Record
         Record& record;
         ~End()
         {
+            record.atEnd(record.argument);
             std::lock_guard guard(record.endMutex);
             record.ended.store(1, std::memory_order_release);
             futexWakeAll(&record.ended);
@@ -105,12 +107,13 @@ struct NativeThread::Record
     }
 };
 
-int NativeThread::start(std::size_t stackSize, Routine routine, void* argument)
+int NativeThread::start(std::size_t stackSize, Routine routine, Routine ended, void* argument)
 try
 {
     close();
     auto record = std::make_shared<Record>();
     record->routine = routine;
+    record->atEnd = ended;
     record->argument = argument;
 
     pthread_attr_t attributes;

@@ -16,7 +16,9 @@
 
 /// Has the compiler check a printf-like call: argument number `text` is the format, the values start at argument `first`
 /// (0 for a va_list). Arguments count from 1; an object's own pointer is one of them.
-#if defined(__GNUC__)
+#if defined(__MINGW32__)  // where the plain word means the conversions of the system's C runtime
+#define ORTHA_PRINTF(text, first) __attribute__((format(gnu_printf, text, first)))
+#elif defined(__GNUC__)
 #define ORTHA_PRINTF(text, first) __attribute__((format(printf, text, first)))
 #else
 #define ORTHA_PRINTF(text, first)
