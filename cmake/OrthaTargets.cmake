@@ -9,7 +9,7 @@ function(ortha_target target)
     endif()
     if(MINGW)
         # The lowest version of Windows, and formats as the C standard has them, instead of those of the system's C runtime.
-        target_compile_definitions(${target} PRIVATE _WIN32_WINNT=0x0A00 __USE_MINGW_ANSI_STDIO=1)
+        target_compile_definitions(${target} PRIVATE _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000006 __USE_MINGW_ANSI_STDIO=1)
     endif()
     # Functions that pass a format on are marked with ORTHA_PRINTF, so their callers are checked; within them the format is never a literal.
     target_compile_options(${target} PRIVATE

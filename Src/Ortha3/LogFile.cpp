@@ -29,7 +29,6 @@ namespace {
 
 using Platform::FileStatus;
 
-constexpr char separator = '/';
 constexpr Detail::SourceText<sizeof(__FILE__)> source(__FILE__);
 
 std::atomic<bool> s_pathSet{false};  // so that a line takes no lock while nothing is saved
@@ -127,7 +126,7 @@ void LogFiles::setPath(const char* path)
         std::printf("[%s:%d]logDir is invalid\n", source.text, __LINE__);
         file.clear();
     }
-    else if (const std::size_t last = file.rfind(separator); last != std::string::npos)
+    else if (const std::size_t last = file.find_last_of(Platform::pathSeparators); last != std::string::npos)
     {
         directory = file.substr(0, last + 1) + '*';
     }

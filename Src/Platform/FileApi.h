@@ -7,6 +7,13 @@
 
 namespace General::Ortha::Platform {
 
+/// What separates the parts of a path.
+#ifdef _WIN32
+inline constexpr const char* pathSeparators = "\\/";
+#else
+inline constexpr const char* pathSeparators = "/";
+#endif
+
 /// How a path is written. Native paths are the system's own narrow text. UTF-8 paths were checked with isUtf8Path(), and name the same files.
 enum class PathForm
 {
@@ -99,7 +106,7 @@ struct FileSearch;
 /// matches every name. A pattern that ends in a separator matches all. "." and ".." are reported where they match. The order is the system's. Null if
 /// there is no match, no such directory, or no memory.
 FileSearch* openSearch(const char* pattern, PathForm form, FoundFile& first);
-/// The next match; -1 at the end. A file that vanished meanwhile is passed over.
+/// The next match; -1 at the end. A file that vanished meanwhile is passed over, unless the system has read ahead.
 int nextFound(FileSearch& search, FoundFile& next);
 /// Ends the search and frees it.
 int closeSearch(FileSearch* search);

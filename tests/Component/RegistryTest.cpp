@@ -202,8 +202,8 @@ TEST(RegistryModules, AModuleMayRegisterClassesWhileItLoadsWhichItDoesOnce)
 TEST(RegistryModules, WhatCannotBeLoadedGivesNullAndALineIfTheEntryAloneIsMissing)
 {
     const Ortha::Test::ScratchDirectory here;
-    const std::filesystem::path modules = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    std::filesystem::copy_file(modules / "Door.so", here / "OnlyHere.so");
+    const std::filesystem::path modules = Ortha::Test::programFile().parent_path();
+    std::filesystem::copy_file(modules / "Door" ORTHA_TEST_MODULES, here / "OnlyHere" ORTHA_TEST_MODULES);
     std::filesystem::current_path(here / "");
     const struct
     {

@@ -93,7 +93,7 @@ TEST_P(PacketMemory, ThatLacksGivesAnInvalidHandleAndTheStatusAndLosesNothing)
             const long blocks = FailingMemory::blocks;
             FailingMemory::begin(turn / 2, turn % 2 != 0);
             CPacket packet = make();
-            FailingMemory::countdown = 0;
+            FailingMemory::end();
             const bool valid = packet.valid(),
                        lacks = FailingMemory::failed || &make >= &forms[5].first || (external && &make == &forms[4].first);
             EXPECT_TRUE(valid ? !lacks || pool || !packet.getExtraData() : lacks);

@@ -1,11 +1,11 @@
 #include "ortha/ortha3/PacketManager.h"
 
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 #include <cstring>
 
 #include "ortha/ortha3/Packet.h"
+#include "ortha/ortha3/Thread.h"
 
 #include "support/Capture.h"
 #include "support/LogLines.h"
@@ -14,6 +14,7 @@ namespace {
 
 using namespace General::Memory;
 using namespace General::Ortha::Test;
+using General::Ortha::CThread;
 using namespace ::testing;
 using Parameter = CPacketManager::PoolParameter;
 
@@ -43,8 +44,8 @@ TEST_P(PacketManager, UsesTheSystemFunctionsAndTellsOfItselfAsItsPolicySays)
     EXPECT_EQ(runInChild(exits).errors, "free ") << "a block, or the pool when the process exits";
     CPacketManager& manager = configured(GetParam(), {6144, 1024, 4});
     unsigned char* const first = manager.getPoolBuffer() + (0 - reinterpret_cast<std::uintptr_t>(manager.getPoolBuffer())) % 1024;
-    const std::string range =
-        "]AddrRange:" + PrintToString(static_cast<void*>(first)) + "/" + PrintToString(static_cast<void*>(first + 6144)) + ")\n";
+    char range[80];
+    std::snprintf(range, sizeof(range), "]AddrRange:%p/%p)\n", static_cast<void*>(first), static_cast<void*>(first + 6144));
     const char* const start = "]CPacketManager: malloc total:6144 pagesize:1024blockCount:6 ManagermentSize:288\n";
     EXPECT_THAT(log.text(), AllOf(HasSubstr(pool ? start : ""), ofPolicy({"]CPacketManager: System Policy\n", range, range, ""})));
     void *const a = manager.malloc(1), *const b = manager.malloc(3000);
@@ -83,11 +84,13 @@ TEST_F(PacketManager, CountsTheBlocksInUseByThreadAndTellsWhenNoneIsFree)
     manager.enableNodesStatistics(true);
     void* const blocks[] = {manager.malloc(1), manager.malloc(2000), manager.malloc(9000)};
     manager.free(blocks[2]);
-    const std::string own = "]ThreadID " + std::to_string(gettid()) + "  nodes= 2  size\\(K\\)= 3\n[^]]*";
+    const int first = CThread::getCurrentThreadID();
+    const std::string own = "]ThreadID " + std::to_string(first) + "  nodes= 2  size\\(K\\)= 3\n[^]]*";
     std::string dump = " warn [^]]*]CPacket No Free Space, totalSize:32768, freeSize:20480 \n[^]]*";
     std::thread([&] {
-        const std::string other = "]ThreadID " + std::to_string(manager.malloc(5000) ? gettid() : 0) + "  nodes= 1  size\\(K\\)= 8\n[^]]*";
-        dump += gettid() < getpid() ? other + own : own + other;
+        const int id = CThread::getCurrentThreadID();
+        const std::string other = "]ThreadID " + std::to_string(manager.malloc(5000) ? id : 0) + "  nodes= 1  size\\(K\\)= 8\n[^]]*";
+        dump += id < first ? other + own : own + other;
     }).join();
     for (const std::size_t size : {std::size_t{0}, std::size_t{32768}, std::size_t{1} << 42})
     {

@@ -117,7 +117,7 @@ TEST(PacketPool, HandsOutTheLastChunkFirstAndThenTheOneFreedLast)
 TEST(PacketPoolDeathTest, WithoutMemoryForItsNodesItEndsTheProcess)
 {
     Ortha::setLogPrinter({[](const char* text) { std::fputs(text, stderr); }});
-    const auto construct = [](int number) { Ortha::Test::FailingMemory::countdown = number, TestPool(1); };
+    const auto construct = [](int number) { Ortha::Test::FailingMemory::begin(number, false), TestPool(1); };
     EXPECT_DEATH(construct(2), R"( fatal .*\]ChunkNode malloc failed!(.|\n)*assertion \()");
     EXPECT_DEATH(construct(3), R"( fatal .*\]BufferList malloc failed!(.|\n)*assertion \()");
 }

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -42,14 +41,14 @@ std::string header(decltype(&logFilter) log, const PrintOptions& options, const 
 {
     setPrintOptions(options);
     const std::string line = captureOutput([&] { log(2, "Unknown", place.file, place.function, 441, place.version, "%s", "x\n"); });
-    return std::regex_replace(line, std::regex(std::to_string(gettid()) + "|x\n"), "@");
+    return std::regex_replace(line, std::regex(std::to_string(CThread::getCurrentThreadID()) + "|x\n"), "@");
 }
 
 TEST(LogHeader, EverySwitchAndPlaceInBothForms)
 {
     ManualClock clock;
     clock.setWall(1715344496007);
-    setenv("TZ", "UTC0", 1);
+    setZone("UTC0");
     const PrintOptions plain{.noTime = 1, .noLevel = 1, .noThreadId = 1, .showFunction = 1};
     const struct
     {
@@ -94,7 +93,7 @@ TEST(LogHeader, EverySwitchAndPlaceInBothForms)
 TEST(LogHeader, ShowsLocalTimeAndGivesItOutInTheMiddleOfALineToo)
 {
     ManualClock clock;
-    setenv("TZ", "AHEAD-5:30", 1);
+    setZone("AHD-5:30");
     clock.setWall(1709251199001);  // 2024-02-29T23:59:59.001
     EXPECT_EQ(header(logFilter, {.noThreadId = 1, .showDate = 1, .showMilliseconds = 1}),
               "[2024-03-01T05:29:59.001 error Unknown Md5:441]@");
@@ -151,7 +150,7 @@ TEST(Singleton, GoesBeforeWhatItsConstructorUsesAndIsMadeAnewAfterItsEnd)
         std::atexit([] { Singleton<Outer>::instance(); });
         EXPECT_EQ(Singleton<Outer>::instance(), Singleton<Outer>::instance());
     });
-    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.code, 0) << result.errors;
     EXPECT_EQ(result.output, "+Inner +Outer -Outer -Inner +Inner +Outer -Outer -Inner ");
 }
 

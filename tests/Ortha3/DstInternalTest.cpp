@@ -39,8 +39,7 @@ struct DaylightSaving : ::testing::Test
 {
     DaylightSaving()
     {
-        setenv("TZ", "UTC", 1);
-        tzset();
+        setZone("UTC");
         CTime::attachConvertDstCallback({&DaylightSaving::told, this});
         CTime::attachModifyProc({&DaylightSaving::modified, this});
         CTime::setModifyTimeClientInfo({"tester", "here", "test"});
@@ -57,12 +56,17 @@ struct DaylightSaving : ::testing::Test
     void observed(unsigned long long old, unsigned long long utc) { logInfo("utc was %llu, is %llu\n", old, utc); }
 
     // The C runtime's view of times: seconds of a text, text of milliseconds.
-    static std::int64_t at(const char* text, std::tm fields = {}) { return strptime(text, "%F %T", &fields) ? timegm(&fields) : -1; }
+    static std::int64_t at(const char* text, std::tm tm = {})
+    {
+        std::sscanf(text, "%d-%d-%d %d:%d:%d", &tm.tm_year, &tm.tm_mon, &tm.tm_mday, &tm.tm_hour, &tm.tm_min, &tm.tm_sec);
+        tm.tm_year -= 1900, tm.tm_mon -= 1;
+        return utcSeconds(tm);
+    }
     static std::string text(std::int64_t milliSeconds)
     {
         const std::time_t seconds = milliSeconds / 1000;
         char text[40] = "";
-        std::strftime(text, sizeof(text), "%F %T.", std::gmtime(&seconds));
+        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S.", std::gmtime(&seconds));
         return text + std::to_string(1000 + milliSeconds % 1000).substr(1);
     }
     static std::string text(const CTime& time) { return text(static_cast<std::int64_t>(CTime::timeToSeconds(time)) * 1000); }

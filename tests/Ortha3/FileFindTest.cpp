@@ -1,15 +1,15 @@
 #include "ortha/ortha3/FileFind.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <set>
 #include <string>
 
 #include "ortha/ortha3/File.h"
 
+#include "support/Host.h"
 #include "support/LogLines.h"
 #include "support/ScratchDirectory.h"
 
@@ -20,9 +20,10 @@ using namespace Test;
 
 struct Directories : testing::Test
 {
-    Directories() { EXPECT_EQ(chdir((scratch / "").c_str()), 0); }
+    Directories() { std::filesystem::current_path(scratch / ""); }
 
-    static bool exists(const std::string& path) { return access(path.c_str(), F_OK) == 0; }
+    static bool exists(const std::string& path) { return CFile::access(path.c_str(), 0); }
+    static void make(const std::string& path) { EXPECT_TRUE(std::filesystem::create_directory(path)) << path; }
 
     ScratchDirectory scratch;
     LogLines lines;
@@ -43,7 +44,7 @@ TEST_F(Directories, ASearchGivesPathsAsItsPatternHasThemAndEndsTheOneBefore)
 {
     CFileFind find;
     CFileFindEx findEx;
-    mkdir("d", 0777);
+    make("d");
     std::ofstream("d/a.txt") << "four";
     std::ofstream("b.txt") << "";
     for (const auto& [pattern, expected] : {std::pair("d/*.txt", "d/a.txt"), std::pair("*.txt", "b.txt"), std::pair("./d/a*", "./d/a.txt")})
@@ -68,7 +69,8 @@ TEST_F(Directories, AreMadeAndRemovedWithAllThatIsInThemButNotWhatALinkPointsAt)
         EXPECT_TRUE(exists(path) && !CFile::makeDirectoryRecursively(path)) << path;
     }
     EXPECT_EQ(lines.bare(), "");
-    mkdir("kept", 0777);
+    const std::string odd = std::string("a/") + patternName;
+    make("kept");
     std::ofstream("kept/file") << "kept";
     std::ofstream("a/file") << "";
     EXPECT_FALSE(CFile::makeDirectoryRecursively("a/file/g/h"));
@@ -77,10 +79,10 @@ TEST_F(Directories, AreMadeAndRemovedWithAllThatIsInThemButNotWhatALinkPointsAt)
     for (const auto& [path, removeSelf] : {std::pair("a", false), std::pair("a/", true), std::pair("a/*", true), std::pair("a", true)})
     {
         CFile::makeDirectoryRecursively("a/b/c");
-        ASSERT_EQ(symlink("../../kept", "a/b/link"), 0);
-        ASSERT_EQ(symlink("../kept/file", "a/.link"), 0);
-        mkdir("a/*", 0777);  // which is no pattern
-        mkdir("a/*/b", 0777);
+        const bool linked = makeLink("../../kept", "a/b/link") && makeLink("../kept/file", "a/.link");
+        EXPECT_TRUE(linked || !hasLinks);
+        make(odd);  // which is no pattern
+        make(odd + "/b");
         EXPECT_TRUE(CFile::removeDirectoryRecursively(path, removeSelf)) << path;
         EXPECT_TRUE(exists("a") != removeSelf && !exists("a/b") && exists("kept/file")) << path;
     }

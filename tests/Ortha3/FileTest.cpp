@@ -1,9 +1,9 @@
 #include "ortha/ortha3/File.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -55,7 +55,7 @@ TYPED_TEST(EitherFile, IsOpenedWithTheContentsLengthAndPositionThatItsFlagsTell)
                  {F::modeRead | F::modeCreate | F::modeNoInherit, "longer", true, "longer", 6}};
     for (const auto& test : cases)
     {
-        unlink(path.c_str());
+        std::filesystem::remove(path);
         if (test.before)
         {
             std::ofstream(path) << test.before;
@@ -85,6 +85,7 @@ TYPED_TEST(EitherFile, KeepsPositionAndLengthThroughWhatIsDoneToIt)
         return file.getPosition() == static_cast<typename TestFixture::Count>(position) &&
                file.getLength() == static_cast<typename TestFixture::Count>(length);
     };
+    const auto puts = [&](const char* line) { return this->large ? file.puts(line) >= 0 : file.puts(line) == 4; };  // the runtime's result
     EXPECT_TRUE(file.read(text, 1) == -1 && file.write(text, 1) == -1 && !file.gets(text, 5) && file.puts(text) == 0 && at(0, 0));
     EXPECT_TRUE(file.seek(5, F::begin) == 0 && file.writev(nullptr, 0) == -1 && this->lines.bare().empty());
     ASSERT_TRUE(file.open(path.c_str(), F::modeReadWrite | F::modeCreate));
@@ -93,7 +94,7 @@ TYPED_TEST(EitherFile, KeepsPositionAndLengthThroughWhatIsDoneToIt)
     EXPECT_TRUE(file.seek(0, F::current) == 10 && file.seek(-1, F::begin) == 0 && at(10, 13));
     EXPECT_TRUE(file.seek(0, F::begin) == 0 && file.gets(this->bytes, 64) == this->bytes && at(6, 13));
     EXPECT_STREQ(this->bytes, "first\n");
-    EXPECT_TRUE(file.seek(0, F::end) == 13 && file.puts("tail") == (this->large ? 1 : 4) && at(17, 17));
+    EXPECT_TRUE(file.seek(0, F::end) == 13 && puts("tail") && at(17, 17));
     file.flush();
     EXPECT_TRUE(at(17, 17) && file.seek(12, F::begin) == 12 && file.read(this->bytes, 5) == 5 && at(17, 17));
     EXPECT_EQ(this->lines.bare(), "");

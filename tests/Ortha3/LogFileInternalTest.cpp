@@ -1,13 +1,11 @@
 #include "Src/Ortha3/LogFile.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <map>
+#include <optional>
 #include <set>
 #include <sstream>
 
@@ -32,7 +30,7 @@ struct LogFiles : testing::Test
 {
     LogFiles()
     {
-        setenv("TZ", "UTC", 1);
+        setZone("UTC");
         fs::current_path(scratch / "");
         clock.setWall(beginOfDay(10) * 1000);
         PrintOptions options;
@@ -156,29 +154,25 @@ TEST_F(LogFiles, OnlyLinesAreMissingOfWhichAMessageTold)
         bool fail = false;
     } search;
     hookFileSystem("logs", &search);
-    rlimit usual{}, scarce{};
-    getrlimit(RLIMIT_NOFILE, &usual);
     for (const std::string setting : {"none", "byday on 0", "bysize 1 0"})
     {
-        fs::remove_all("logs"), fs::create_directory("logs");
+        logCleanup(), fs::remove_all("logs"), fs::create_directory("logs");
         run("close; -logpath logs/log; -logsavesetting " + setting);
         std::string missing;
         for (char mark = 'A'; mark < 'A' + 20; mark += 2)
         {
             const int fault = (mark - 'A') / 2 % 5;  // 0 to 2: descriptors left; 3: the directory is away; 4: it cannot be searched
             run(std::string("log ") + mark + " 1024");
-            EXPECT_EQ(captureOutput([] { EXPECT_EQ(std::system("ls -l /proc/self/fd"), 0); }).find("/logs/"), std::string::npos);
+            EXPECT_EQ(inheritedDescriptors().find("/logs/"), std::string::npos);
             mark < 'K' ? logCleanup() : clock.advance(setting == "byday on 0" ? 86400000 : 0);
             const std::string message = captureOutput([&] {
-                scarce = {static_cast<rlim_t>(dup(1) + fault), usual.rlim_max};
-                close(static_cast<int>(scarce.rlim_cur) - fault);
-                setrlimit(RLIMIT_NOFILE, fault < 3 ? &scarce : &usual);
+                std::optional<ScarceDescriptors> scarce;
+                fault < 3 ? void(scarce.emplace(fault)) : void();
                 fs::rename("logs", fault == 3 ? "away" : "logs");
                 search.fail = fault == 4;
                 run(std::string("log ") + static_cast<char>(mark + 1) + " 1024");  // the call succeeds
                 search.fail = false;
                 fs::rename(fault == 3 ? "away" : "logs", "logs");
-                setrlimit(RLIMIT_NOFILE, &usual);
             });
             EXPECT_THAT(message, MatchesRegex("((this:[^\n]*\n)?\\[Src.Ortha3.LogFile:[0-9]+\\]( ?[a-z :,]+[0-9]*)\n)*"));
             EXPECT_TRUE(!message.empty() || mark >= 'K' || (fault != 0 && fault != 3)) << setting << fault;
@@ -209,7 +203,7 @@ TEST_F(LogFiles, LinesOfManyThreadsAreSavedOnceAndInOrderThroughRotations)
     std::map<std::pair<std::string, int>, fs::path> inOrder;
     for (const auto& file : fs::directory_iterator("."))
     {
-        const std::string name = file.path().filename();
+        const std::string name = file.path().filename().string();
         inOrder[{name.substr(0, 14), std::stoi(name.substr(15))}] = name;
         EXPECT_LT(file.file_size(), 1024u + 10);
     }

@@ -18,6 +18,7 @@
 #include "ortha/ortha3/PrintLog.h"
 
 #include "support/Capture.h"
+#include "support/LogCalls.h"
 #include "support/LogLines.h"
 #include "support/Sync.h"
 
@@ -27,28 +28,6 @@ using namespace General::Ortha;
 using namespace General::Ortha::Test;
 using ::testing::ElementsAre;
 using ::testing::SizeIs;
-
-// With nothing shown a header is "[ ]".
-void useShortHeader(unsigned char PrintOptions::*but = nullptr, unsigned char value = 0)
-{
-    PrintOptions options;
-    options.noTime = options.noModule = options.noLevel = options.noThreadId = options.noVersion = options.noFile = options.noLine = 1;
-    if (but)
-    {
-        options.*but = value;
-    }
-    setPrintOptions(options);
-}
-
-int fullLog(int level, const std::string& text)
-{
-    return logFilter(level, "Door", "Door", "open", 7, nullptr, "%s", text.c_str());
-}
-
-int baseLog(int level, const std::string& text)
-{
-    return Ortha_logFilter(level, "Door", "Door", "open", 7, nullptr, "%s", text.c_str());
-}
 
 // A print hook that does what a test gives it to do.
 struct Hook
@@ -235,29 +214,6 @@ TEST(Log, NoCallTouchesErrnoOrTheLastErrorAndTheFormatSeesTheCallersErrno)
     EXPECT_EQ(captureOutput(check), line + "nested\n" + line);
     setLogPrinter(printer);
     EXPECT_EQ(captureOutput(check), "nested\nnested\n" + line);
-}
-
-TEST(Log, ATerminalShowsEachLineInTheColourOfItsLevel)
-{
-    useShortHeader();
-    setPrintLogLevel(6);
-    EXPECT_EQ(captureTerminal(Ortha_resetcolor), "") << "no line has set one";
-    const char* sgr[] = {"30", "35", "31", "33", "32", "37", "36"};
-    for (int level = 0; level <= 6; ++level)
-    {
-        // The colour is the one of the line's beginning, and stays to its end.
-        EXPECT_EQ(captureTerminal([&] { fullLog(level, "a"), baseLog(2, "b"), fullLog(3, "c\n"); }),
-                  "\x1b[" + std::string(sgr[level]) + "m[ ]abc\n\x1b[0m");
-    }
-    EXPECT_EQ(captureTerminal([] { baseLog(6, "x\n"); }), "\x1b[37m[ ]x\n\x1b[0m");
-    // A colour that stands when colours are switched off is still taken back, once.
-    const auto switchedOff = [] {
-        fullLog(2, "a");
-        useShortHeader(&PrintOptions::noColor, 1);
-        fullLog(2, "b\n"), fullLog(2, "c\n"), baseLog(2, "d\n");
-        Ortha_resetcolor();
-    };
-    EXPECT_EQ(captureTerminal(switchedOff), "\x1b[31m[ ]ab\n\x1b[0m[ ]c\n[ ]d\n");
 }
 
 TEST(Log, TheBaseLayersSwitchesFollowTheRecordAndStandForThemselves)

@@ -2,9 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <ctime>
 #include <deque>
 #include <memory>
 #include <string>
@@ -40,12 +38,6 @@ struct HeldThread
                       },
                       "T"};
 };
-
-void runToTheEnd(CThread& thread)
-{
-    EXPECT_TRUE(thread.createThread());
-    EXPECT_TRUE(eventually([&] { return thread.isThreadOver(); }));
-}
 
 // The log line of a warning about `thread`.
 auto warning(const CThread& thread, const char* text)
@@ -204,9 +196,7 @@ TEST(Thread, TerminateEndsABodyThatWaitsInTheSystemAndDoesNotLook)
         [&](CThreadLite&) {
             const std::shared_ptr<void> guard(nullptr, [&](void*) { unwound = true; });
             begun.open();
-            // The bare system call: the sanitizers lose track of a thread that is cancelled in a frame or a call that they watch.
-            static const timespec anHour{3600, 0};
-            clock_nanosleep(CLOCK_MONOTONIC, 0, &anHour, nullptr);
+            sleepForAnHour();
         },
         "T");
     EXPECT_FALSE(thread.terminateThread());
@@ -219,7 +209,7 @@ TEST(Thread, TerminateEndsABodyThatWaitsInTheSystemAndDoesNotLook)
         EXPECT_FALSE(destroying.done(aMoment));
         EXPECT_TRUE(thread.terminateThread());
     }
-    EXPECT_TRUE(unwound);
+    EXPECT_EQ(unwound, terminationUnwinds);
     EXPECT_TRUE(thread.isThreadOver());
     EXPECT_FALSE(CThreadManager::instance()->hasThread(thread.getThreadID()));
     EXPECT_THAT(log.take(), ElementsAre(warning(thread, destroyed)));
@@ -231,24 +221,12 @@ TEST(Thread, NamesAreCutAndShowInTheSystemsToolsAlsoWhenChangedWhileRunning)
     TestThread thread(untilStopped, longName.c_str());
     EXPECT_EQ(thread.getThreadName(), longName.substr(0, 31));
     EXPECT_TRUE(thread.createThread());
-    EXPECT_TRUE(eventually([&] { return systemName(thread.getThreadID()) == longName.substr(0, 15); }));
+    EXPECT_TRUE(eventually([&] { return systemName(thread.getThreadID()) == longName.substr(0, systemNameLength); }));
     thread.setThreadName("renamed");
     EXPECT_STREQ(thread.getThreadName(), "renamed");
     EXPECT_EQ(systemName(thread.getThreadID()), "renamed");
     thread.setThreadName(nullptr);
     EXPECT_EQ(systemName(thread.getThreadID()), "Nonamed");
-}
-
-TEST(Thread, PriorityBecomesTheNiceValueAsFarAsPrivilegesGo)
-{
-    const int own = getpriority(PRIO_PROCESS, 0);
-    for (const auto& [priority, nice] : {std::pair(5, -15), {63, -5}, {64, 0}, {72, 5}, {126, 10}, {127, 19}})
-    {
-        int got = 0;
-        TestThread thread([&](CThreadLite&) { got = getpriority(PRIO_PROCESS, 0); }, "Nice", priority);
-        runToTheEnd(thread);
-        EXPECT_TRUE(got == nice || (nice < own && got == own)) << "priority " << priority << ": nice " << got;
-    }
 }
 
 TEST(Thread, TheWatchdogDeadlinePassesIsRemovedIsClearedByAStartAndMayBeSetByTheBody)

@@ -13,6 +13,7 @@
 #include "ortha/ortha3/PrintLog.h"
 #include "ortha/ortha3/Time.h"
 
+#include "support/Host.h"
 #include "support/LogLines.h"
 #include "support/ManualClock.h"
 
@@ -56,7 +57,7 @@ TEST(TimeZones, TheTableHoldsTheZonesOfItsNames)
 TEST(TimeZones, ZoneAndFlagBringALocalTimeToUTCAsFarAsTheyAreSet)
 {
     static ManualClock& clock = *new ManualClock;  // the timers' thread, which setDst() starts, reads it to the end
-    setenv("TZ", "WEST3", 1);
+    setZone("WST3");
     clock.setWall(1714564800999);
     LogLines lines;
     setPrintLogLevel(6);
@@ -108,9 +109,9 @@ TEST(Clocks, FollowTheWallClockAndTheSystemsZone)
 {
     ManualClock clock;
     const unsigned long long interval = CTime::getCurrentMilliSecond();
-    for (const auto& [zone, now] : {std::pair("UTC0", "2024-5-10 12:34:56/5 "), std::pair("AHEAD-12:30", "2024-5-11 1:4:56/6 ")})
+    for (const auto& [zone, now] : {std::pair("UTC0", "2024-5-10 12:34:56/5 "), std::pair("AHD-12:30", "2024-5-11 1:4:56/6 ")})
     {
-        setenv("TZ", zone, 1), tzset();
+        setZone(zone);
         clock.setWall(0);
         EXPECT_EQ(CTime::getCurrentTime().year, 1970);
         clock.setWall(1715344496789);
@@ -127,7 +128,7 @@ TEST(Clocks, FollowTheWallClockAndTheSystemsZone)
 
 struct SettingTime : ::testing::Test
 {
-    SettingTime() { setenv("TZ", "WST5WDT,M3.2.0,M11.1.0", 1), clock.setWall(july * 1000 + 900); }
+    SettingTime() { setZone("WST5WDT,M3.2.0,M11.1.0"), clock.setWall(july * 1000 + 900); }
     static bool observe(SystemTime time) { return trail += "observer " + text(time), false; }
     static SystemTimeEx record(const CTime& t) { return {t.year, t.month, t.day, 9, t.hour, t.minute, t.second, 7, 1}; }
     long long wall() { return clock.wallNanoseconds() / 1000000; }

@@ -121,7 +121,7 @@ TEST(Timer, TheLastStartDecidesWhichOverloadIsCalledAndWithWhat)
     CTimer timer("Overloads");
     const auto finished = [&] { return eventually([&] { return timer.isCalled() && !timer.isRunning(); }); };
     timer.start(byPointer, never, 0, &calls, 0);
-    timer.start(byNumber, 0, 0, 0x1234567890ABCDEFul, 0);
+    timer.start(byNumber, 0, 0, static_cast<unsigned long>(0x1234567890ABCDEF), 0);
     EXPECT_TRUE(finished());
     timer.start(byPointer, 0, 0, &calls, 0);
     EXPECT_TRUE(finished());
@@ -186,7 +186,7 @@ TEST(Timer, TheCallersThreadCarriesTheTimersNameAndDeadline)
         return infos.size() == 2 && caller != infos.end();
     }));
     EXPECT_EQ(caller->name, longName.substr(0, 31));
-    EXPECT_EQ(systemName(caller->id), longName.substr(0, 15));
+    EXPECT_EQ(systemName(caller->id), longName.substr(0, systemNameLength));
     held.mayEnd = 1;
     EXPECT_TRUE(held.reaches(done));
     string names;

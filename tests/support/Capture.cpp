@@ -1,9 +1,6 @@
 #include "support/Capture.h"
 
 #include <gtest/gtest.h>
-#include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -18,44 +15,6 @@ std::string captureOutput(const std::function<void()>& body)
     ::testing::internal::CaptureStdout();
     body();
     return ::testing::internal::GetCapturedStdout();
-}
-
-std::string captureTerminal(const std::function<void()>& body)
-{
-    termios raw{};
-    cfmakeraw(&raw);
-    int screen = -1;
-    const pid_t child = forkpty(&screen, nullptr, &raw, nullptr);
-    if (child == 0)
-    {
-        body();
-        std::exit(0);
-    }
-    std::string text;
-    for (char c = 0; read(screen, &c, 1) == 1;)
-    {
-        text += c;
-    }
-    close(screen);
-    waitpid(child, nullptr, 0);
-    return text;
-}
-
-ChildResult runInChild(const std::function<void()>& body)
-{
-    ChildResult result{-1, "", ""};
-    ::testing::internal::CaptureStdout();
-    ::testing::internal::CaptureStderr();
-    const pid_t child = fork();
-    if (child == 0)
-    {
-        body();
-        std::exit(0);
-    }
-    waitpid(child, &result.status, 0);
-    result.output = ::testing::internal::GetCapturedStdout();
-    result.errors = ::testing::internal::GetCapturedStderr();
-    return result;
 }
 
 unsigned long allocationCount()

@@ -6,13 +6,15 @@
 
 namespace General::Ortha::Test {
 
+/// For one thread at a time. Its words are no thread's own: where the compiler makes those of allocated memory, malloc could not ask for them.
 struct FailingMemory
 {
-    /// The allocation of that number fails for this thread, and with `andAfter` all later ones too, until `countdown` is set to 0.
-    static void begin(int number, bool andAllAfter) { countdown = number, andAfter = andAllAfter, failed = false; }
+    /// The allocation of that number fails for this thread, and with `andAfter` all later ones too, until end().
+    static void begin(int number, bool andAllAfter);
+    static void end() { countdown = 0; }
 
-    static inline thread_local int countdown = 0;
-    static inline thread_local bool andAfter = false, failed = false;
+    static inline std::atomic<int> thread{0}, countdown{0};
+    static inline std::atomic<bool> andAfter{false}, failed{false};
     static inline std::atomic<long> blocks{0};  ///< not freed yet, of all threads; only differences count
 };
 

@@ -2,7 +2,17 @@
 
 #include <cstddef>
 
+#include "Src/Platform/NativeThread.h"
+
 using Failing = General::Ortha::Test::FailingMemory;
+
+void Failing::begin(int number, bool andAllAfter)
+{
+    thread = General::Ortha::Platform::currentThreadId();
+    andAfter = andAllAfter;
+    failed = false;
+    countdown = number;
+}
 
 // The linker leads every call of malloc and free in this program here.
 extern "C" {
@@ -11,9 +21,13 @@ void __real_free(void* memory);
 
 void* __wrap_malloc(std::size_t size)
 {
-    const bool fails = Failing::countdown == 1;
-    Failing::countdown -= Failing::countdown == 0 || (fails && Failing::andAfter) ? 0 : 1;
-    Failing::failed = Failing::failed || fails;
+    bool fails = false;
+    if (Failing::countdown != 0 && Failing::thread == General::Ortha::Platform::currentThreadId())
+    {
+        fails = Failing::countdown == 1;
+        Failing::countdown -= fails && Failing::andAfter ? 0 : 1;
+        Failing::failed = Failing::failed || fails;
+    }
     void* const memory = fails ? nullptr : __real_malloc(size);
     Failing::blocks += memory ? 1 : 0;
     return memory;

@@ -15,11 +15,11 @@
 #include <cstdint>
 #include <cstring>
 #include <ctime>
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <new>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -112,7 +112,7 @@ public:
     {
         const Call call(*this, "findfirst");
         // Directories report these two, or removeDirectoryRecursively() takes an empty one for missing.
-        Search search{parentOf(pattern), std::filesystem::path(pattern).filename().string(), {".", ".."}};
+        Search search{parentOf(pattern), std::string(pattern).substr(std::string(pattern).rfind('/') + 1), {".", ".."}};
         for (const auto& [path, node] : m_nodes)
         {
             if (path != m_root && parentOf(path) == normal(search.directory))
@@ -196,8 +196,17 @@ private:
     };
 
     // Paths as keys have one separator between their parts and none at the end.
-    static std::string normal(const std::filesystem::path& path) { return (path / ".").lexically_normal().parent_path().string(); }
-    static std::string parentOf(const std::filesystem::path& path) { return path.parent_path().string(); }
+    static std::string normal(const std::string& path)
+    {
+        std::istringstream parts(path);
+        std::string whole;
+        for (std::string part; std::getline(parts, part, '/');)
+        {
+            whole += part.empty() || part == "." ? "" : (whole.empty() && path[0] != '/' ? "" : "/") + part;
+        }
+        return whole;
+    }
+    static std::string parentOf(const std::string& path) { return path.substr(0, std::min(path.rfind('/'), path.size())); }
     static NodePtr makeNode(bool directory) { return std::make_shared<Node>(Node{directory, std::time(nullptr), {}}); }
     static bool matches(const char* pattern, const char* name)
     {

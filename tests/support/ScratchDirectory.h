@@ -1,9 +1,8 @@
 // A directory for one test.
 #pragma once
 
-#include <stdlib.h>
-
 #include <filesystem>
+#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -13,14 +12,12 @@ namespace General::Ortha::Test {
 class ScratchDirectory
 {
 public:
-    ScratchDirectory()
+    ScratchDirectory() : m_path(std::filesystem::temp_directory_path() / ("ortha-" + std::to_string(std::random_device()())))
     {
-        std::string name = (std::filesystem::temp_directory_path() / "ortha-XXXXXX").string();
-        if (!mkdtemp(name.data()))
+        if (!std::filesystem::create_directory(m_path))
         {
-            throw std::runtime_error("no scratch directory: " + name);
+            throw std::runtime_error("no scratch directory: " + m_path.string());
         }
-        m_path = name;
     }
     ~ScratchDirectory()
     {
@@ -30,11 +27,11 @@ public:
     ScratchDirectory(const ScratchDirectory&) = delete;
     ScratchDirectory& operator=(const ScratchDirectory&) = delete;
 
-    /// The path of something in it.
-    std::string operator/(const std::string& name) const { return (m_path / name).string(); }
+    /// The path of something in it, with '/' between the parts.
+    std::string operator/(const std::string& name) const { return m_path.generic_string() + '/' + name; }
 
 private:
-    std::filesystem::path m_path;
+    const std::filesystem::path m_path;
 };
 
 }  // namespace General::Ortha::Test

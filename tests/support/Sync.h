@@ -1,9 +1,8 @@
-// What tests of concurrent code share: waiting for something that must happen, callbacks made of lambdas, a look at the system's threads.
+// What tests of concurrent code share: waiting for something that must happen, callbacks made of lambdas.
 #pragma once
 
 #include <atomic>
 #include <chrono>
-#include <fstream>
 #include <functional>
 #include <string>
 #include <thread>
@@ -12,6 +11,8 @@
 
 #include "ortha/ortha3/Function.h"
 #include "ortha/ortha3/Thread.h"
+
+#include "support/Host.h"
 
 namespace General::Ortha::Test {
 
@@ -110,19 +111,6 @@ inline void untilStopped(CThreadLite& self)
     }
 }
 
-/// The first line of what the system tells about a thread of this process.
-inline std::string systemLine(int threadId, const char* file)
-{
-    std::string line;
-    std::getline(std::ifstream("/proc/self/task/" + std::to_string(threadId) + "/" + file), line);
-    return line;
-}
-
-inline std::string systemName(int threadId)
-{
-    return systemLine(threadId, "comm");
-}
-
 /// A foreign thread whose procedure is about to block. Its end is waited for.
 class Blocking
 {
@@ -140,7 +128,7 @@ public:
     bool asleep(int looks = 5)
     {
         int seen = 0;
-        return eventually([&] { return (seen = systemLine(m_id, "stat").find(") S ") != std::string::npos ? seen + 1 : 0) == looks; });
+        return eventually([&] { return (seen = isAsleep(m_id) ? seen + 1 : 0) == looks; });
     }
     bool done(std::chrono::milliseconds limit = generous) { return m_done.wait(limit); }
 

@@ -33,7 +33,7 @@ private:
 }  // namespace Fleet
 
 // Exported whatever the visibility that this is compiled with.
-extern "C" __attribute__((visibility("default"))) General::Component::IUnknown* createStatsObject(const General::Component::ServerInfo*)
+extern "C" ORTHA_EXPORT General::Component::IUnknown* createStatsObject(const General::Component::ServerInfo*)
 {
     return General::Component::Detail::CComponentHelper::makeComponentObject(new Fleet::Stats);
 }

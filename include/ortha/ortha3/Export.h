@@ -14,6 +14,13 @@
 #define ORTHA_API __attribute__((visibility("default")))
 #endif
 
+/// Marks what a module of the library's user exports, such as the creator of a class that is loaded when it is asked for.
+#if defined(_WIN32)
+#define ORTHA_EXPORT __declspec(dllexport)
+#else
+#define ORTHA_EXPORT __attribute__((visibility("default")))
+#endif
+
 /// Has the compiler check a printf-like call: argument number `text` is the format, the values start at argument `first`
 /// (0 for a va_list). Arguments count from 1; an object's own pointer is one of them.
 #if defined(__MINGW32__)  // where the plain word means the conversions of the system's C runtime

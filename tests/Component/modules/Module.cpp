@@ -20,7 +20,7 @@ const bool registered = General::Component::registerComponent("Along", [](const 
 
 }  // namespace ModuleTest
 
-extern "C" __attribute__((visibility("default"))) General::Component::IUnknown* MODULE_ENTRY(const General::Component::ServerInfo*)
+extern "C" ORTHA_EXPORT General::Component::IUnknown* MODULE_ENTRY(const General::Component::ServerInfo*)
 {
     return ModuleTest::createDoor();
 }
