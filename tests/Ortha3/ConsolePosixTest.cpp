@@ -13,7 +13,7 @@ namespace {
 using namespace General::Ortha;
 using namespace General::Ortha::Test;
 
-TEST(Log, ATerminalShowsEachLineInTheColourOfItsLevel)
+TEST(Console, ShowsEachLineInTheColourOfItsLevelAndThenTheOneBefore)
 {
     useShortHeader();
     setPrintLogLevel(6);

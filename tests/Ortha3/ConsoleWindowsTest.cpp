@@ -81,26 +81,23 @@ void writeLines()
             fullLog(level, "a"), baseLog(2, "b");
             level == 2 ? tell(screen) : void();
             fullLog(3, "c\n");
-            report += screen.row(static_cast<short>(level - 1), 7);
+            report += screen.row(static_cast<short>(level - 1), 6);
             tell(screen);
         }
         fullLog(2, "d");
         useShortHeader(&PrintOptions::noColor, 1);
         fullLog(2, "e\n"), fullLog(2, "f\n");
-        report += screen.row(6, 7) + screen.row(7, 7);
+        report += screen.row(6, 5) + screen.row(7, 4);
         tell(screen);
     }
     std::fputs(report.c_str(), stdout);
 }
 
-TEST(Console, EachLineHasTheAttributeOfItsLevelAndLeavesTheOneThatStoodBefore)
+TEST(Console, ShowsEachLineInTheColourOfItsLevelAndThenTheOneBefore)
 {
     const ChildResult result = runInConsole(writeLines);
     EXPECT_EQ(result.code, 0) << result.errors;
-    EXPECT_EQ(result.output,
-              "30\n"
-              "[ ]abc/5  /30 30\n4\n[ ]abc/4  /30 30\n[ ]abc/6  /30 30\n[ ]abc/2  /30 30\n[ ]abc/7  /30 30\n[ ]abc/3  /30 30\n"
-              "[ ]de/4   /30 [ ]f    /30 30\n");
+    EXPECT_EQ(result.output, "30\n[ ]abc/5 30\n4\n[ ]abc/4 30\n[ ]abc/6 30\n[ ]abc/2 30\n[ ]abc/7 30\n[ ]abc/3 30\n[ ]de/4 [ ]f/30 30\n");
 }
 
 }  // namespace

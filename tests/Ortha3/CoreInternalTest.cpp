@@ -151,7 +151,8 @@ TEST(Singleton, GoesBeforeWhatItsConstructorUsesAndIsMadeAnewAfterItsEnd)
         EXPECT_EQ(Singleton<Outer>::instance(), Singleton<Outer>::instance());
     });
     EXPECT_EQ(result.code, 0) << result.errors;
-    EXPECT_EQ(result.output, "+Inner +Outer -Outer -Inner +Inner +Outer -Outer -Inner ");
+    const std::string late = callsLateHandlers ? "-Outer -Inner " : "";
+    EXPECT_EQ(result.output, "+Inner +Outer -Outer -Inner +Inner +Outer " + late);
 }
 
 TEST(Platform, AnEventLetsTheTicketsFromBeforeItsSetPass)

@@ -43,12 +43,16 @@ private:
     struct Taken;
     Taken* const m_taken;
 };
+/// How many it must leave, lest the C runtime lose what it opens.
+extern const int fewestDescriptors;
 
 std::filesystem::path programFile();
 /// The permissions that the system shows for a file that is its owner's alone.
 extern const unsigned int ownersPermissions;
 /// Has the system take a file for hidden, if the dot before its name does not.
 void hide(const std::string& path);
+/// Whether a program's C runtime calls handlers that are registered while the process exits.
+extern const bool callsLateHandlers;
 /// Whether a search tells of files that have gone since it was begun.
 extern const bool searchesReadAhead;
 /// A name that looks like a pattern.
