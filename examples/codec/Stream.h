@@ -2,7 +2,6 @@
 #pragma once
 
 #include <ortha/ortha3/File.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,6 +11,8 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+
+#include "Terminal.h"
 
 namespace Codec {
 
@@ -50,7 +51,7 @@ public:
                                                  : 0;
         require(m_file.isOpen() ? count == std::max(wanted, 0LL) : std::ferror(stdin) == 0, "cannot be read to its end");
         const long long before = std::exchange(m_read, m_read + count);
-        if (std::max(m_length, m_read) > 4 * step && (count < size || before / step != m_read / step) && isatty(STDERR_FILENO) != 0)
+        if (std::max(m_length, m_read) > 4 * step && (count < size || before / step != m_read / step) && isTerminal())
         {
             std::fprintf(stderr, "\r%s: %lld MiB%s", m_name.c_str(), m_read >> 20, count < size ? "\n" : "");
         }

@@ -11,6 +11,7 @@
 
 #include "Steps.h"
 #include "Stream.h"
+#include "Terminal.h"
 
 namespace Codec {
 
@@ -129,6 +130,7 @@ int main(int argc, char** argv)
     General::Ortha::setPrintLogLevel(0);  // the program tells itself what is wrong
     try
     {
+        Codec::useBytes();
         return Codec::work(argc, argv);
     }
     catch (const Codec::Usage& error)

@@ -1,10 +1,6 @@
 #include "Console.h"
 
-#include <poll.h>
-#include <unistd.h>
-
-#include <csignal>
-
+#include "Input.h"
 #include "Log.h"
 
 namespace Fleet {
@@ -18,7 +14,7 @@ constexpr int watchdogTime = 5000;
 
 Console::Console() : CThread("Console", 64, 0, 0)
 {
-    std::signal(SIGTTIN, SIG_IGN);  // in the background of a terminal there is nothing to read, which must not stop the program
+    prepareInput();
 }
 
 Console::~Console()
@@ -35,14 +31,9 @@ void Console::threadProc()
     while (looping())
     {
         setTimeout(watchdogTime);
-        pollfd input{STDIN_FILENO, POLLIN, 0};
-        if (poll(&input, 1, pause) <= 0)
-        {
-            continue;
-        }
         char block[512];
-        const ssize_t count = read(STDIN_FILENO, block, sizeof(block));
-        if (count <= 0)
+        const int count = readInput(block, sizeof(block), pause);
+        if (count < 0)
         {
             break;
         }
