@@ -64,3 +64,22 @@ build()
     say "Building ($1)"
     cmake --build --preset "$1"
 }
+
+# What the preset mingw needs, besides g++, cmake, ninja-build and ccache.
+# shellcheck disable=SC2034 # for whoever sources this
+windows_packages=(g++-mingw-w64-x86-64-posix wine64 libz-mingw-w64-dev libgcrypt-mingw-w64-dev libgpg-error-mingw-w64-dev googletest
+    libasio-dev libcli11-dev python3)
+
+# start_wine: makes Wine's set-up below build/, and keeps its server until this script ends: programs start faster.
+start_wine()
+{
+    local server=wineserver
+    [[ ! -x /usr/lib/wine/wineserver64 ]] || server=/usr/lib/wine/wineserver64
+    export WINEPREFIX="$PWD/build/wine" WINEDEBUG=-all
+    say "Starting Wine (${WINEPREFIX#"$PWD/"})"
+    mkdir -p "$WINEPREFIX"
+    # shellcheck disable=SC2064 # the server as it is now
+    trap "'$server' --kill || true" EXIT
+    "$server" --persistent < /dev/null > /dev/null 2>&1 || true  # it may run already
+    scripts/wine wineboot --init < /dev/null > /dev/null 2>&1 || fail "Wine does not start"
+}
