@@ -3,7 +3,7 @@
 
 namespace General::Ortha::Platform {
 
-/// What a module's file name ends in, ".so".
+/// What a module's file name ends in, ".so" or ".dll".
 extern const char* const moduleSuffix;
 
 /// Loads a module by its file name, once: later calls give the same handle. It is looked for beside the running program, beside this library, and then where the
