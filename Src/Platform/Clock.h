@@ -35,8 +35,8 @@ public:
 /// Replaces the system's clocks, or brings them back with null. The source must stay until then. Start-up.
 void setClockSource(ClockSource* source);
 
-/// The wall clock in the system's time zone. Reads the clock once. The zone is the one that the C runtime has read; where it
-/// reads another one (tzset), that is seen within a second.
+/// The wall clock in the system's time zone. Reads the clock once. Where the zone is the one that the C runtime has read, and it reads another one
+/// (tzset), that is seen within a second.
 CalendarTime localTime();
 /// Splits seconds since 1970-01-01 00:00:00 UTC in the system's time zone. False, and nothing is written, if the system cannot.
 bool splitLocal(std::uint64_t seconds, CalendarTime& time);
