@@ -27,7 +27,7 @@ inline int currentThreadId()
 /// Sleeps; 0 gives the processor to another thread that can run.
 void sleepMilliseconds(std::uint32_t milliseconds);
 
-/// Ends the calling thread, with its objects destroyed.
+/// Ends the calling thread, where the system can with the objects on its stack destroyed.
 [[noreturn]] void exitCurrentThread();
 
 /// Lets the system's tools show a name, cut to what they take (15 bytes on Linux), for a thread of this process. A thread that has ended is passed over.
@@ -64,6 +64,11 @@ public:
     bool terminate() const;
 
 private:
+#ifdef _WIN32
+    friend void exitCurrentThread();
+    static void endCurrent();
+#endif
+
     struct Record;
     std::shared_ptr<Record> m_record;
 };

@@ -33,7 +33,8 @@ TEST(OlderPacket, SharesItsBlockWithCopiesOfBothClassesUntilTheLastIsGone)
     EXPECT_TRUE(numbers(CPacket(100)) == (Numbers{100, 100, 0, 128}) && IPacketManager::instance()->getBufferSize() == 0);
     IPacketManager::config(1 << 20, 1024, 32);  // too late, but for the header
     Numbers freed;
-    Callback<void*, std::size_t> onFree([&](void* arg, std::size_t size) { freed.push_back(arg == &freed ? size : 0); });
+    Callback<void*, std::size_t> onFree(
+        [&](void* arg, std::size_t size) { freed.push_back(arg == &freed ? static_cast<unsigned int>(size) : 0); });
     CPacket first(10, onFree, &freed), other(20, onFree, &freed), invalid, made, &same = first;
     {
         const General::Memory::CPacket newer = (first.PutBuffer(this, 8), other.PutBuffer(this, 9), first);

@@ -7,6 +7,7 @@
 #include <climits>
 #include <string>
 
+#include "support/Host.h"
 #include "support/LogLines.h"
 
 namespace {
@@ -18,7 +19,7 @@ const string utc = "UTC0", north = "EST5EDT,M3.2.0,M11.1.0", south = "LHST-10:30
 
 struct OlderTime : testing::TestWithParam<string>
 {
-    OlderTime() { setenv("TZ", zone.c_str(), 1), tzset(); }
+    OlderTime() { General::Ortha::Test::setZone(zone.c_str()); }
     const string zone = GetParam();
 };
 INSTANTIATE_TEST_SUITE_P(Zone, OlderTime, testing::Values(utc, north, south));

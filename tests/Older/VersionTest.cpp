@@ -1,16 +1,15 @@
 #include "ortha/Version.h"
 
-#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <regex>
 #include <string>
 
 #include "ortha/CheckIncludeVersion.h"
 #include "ortha/ortha3/Version.h"
 
+#include "support/Host.h"
 #include "support/LogLines.h"
 
 namespace {
@@ -65,9 +64,9 @@ TEST(IncludeCheck, FindsTwoLibrariesBuiltAgainstDifferentRevisions)
 {
     LogLines lines;
     all.checkResult();
-    for (const char* const library : {"include12.so", "include13.so"})
+    for (const char* const library : {"include12" ORTHA_TEST_MODULES, "include13" ORTHA_TEST_MODULES})
     {
-        ASSERT_TRUE(dlopen((std::filesystem::read_symlink("/proc/self/exe").parent_path() / library).c_str(), RTLD_NOW)) << dlerror();
+        ASSERT_TRUE(loadLibrary((programFile().parent_path() / library).string()));
     }
     const IncludeNode gate[] = {{"Door.h", "012"}, {"s/http:/Door.h", "5"}}, late[] = {{"Door.h", "12"}};
     includeVerbose = false;

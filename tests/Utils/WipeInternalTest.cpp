@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include <cstring>
 #include <memory>
@@ -14,6 +13,7 @@
 
 #include "Src/Utils/Aes/AesCipher.h"
 #include "Src/Utils/DesCipher.h"
+#include "support/Host.h"
 
 static thread_local void* s_watched = nullptr;
 static thread_local std::string s_left;  // what was in it when it went
@@ -26,7 +26,7 @@ void __wrap__ZdlPvm(void* memory, std::size_t size)
     if (memory && memory == s_watched)
     {
         s_watched = nullptr;
-        s_left.assign(static_cast<const char*>(memory), malloc_usable_size(memory));
+        s_left.assign(static_cast<const char*>(memory), General::Ortha::Test::blockSize(memory));
     }
     __real__ZdlPvm(memory, size);
 }
@@ -60,7 +60,7 @@ template <class Object>
 void checkWiped(std::unique_ptr<Object> object, const Secrets& secrets)
 {
     std::memcpy(&s_watched, object.get(), sizeof(s_watched));
-    const std::string before = bytesOf(s_watched, malloc_usable_size(s_watched));
+    const std::string before = bytesOf(s_watched, General::Ortha::Test::blockSize(s_watched));
     s_left.clear();
     object.reset();
     ASSERT_EQ(s_left.size(), before.size());

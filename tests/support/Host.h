@@ -47,6 +47,7 @@ private:
 extern const int fewestDescriptors;
 
 std::filesystem::path programFile();
+bool loadLibrary(const std::string& path);
 /// The permissions that the system shows for a file that is its owner's alone.
 extern const unsigned int ownersPermissions;
 /// Has the system take a file for hidden, if the dot before its name does not.
@@ -57,6 +58,8 @@ extern const bool callsLateHandlers;
 extern const bool searchesReadAhead;
 /// A name that looks like a pattern.
 extern const char* const patternName;
+/// How many bytes there are in a block of the C runtime's memory, at least what it was asked for.
+std::size_t blockSize(void* memory);
 /// Makes a symbolic link at `path`. False if that could not be done; where there are links, it can.
 extern const bool hasLinks;
 bool makeLink(const std::string& target, const std::string& path);

@@ -19,32 +19,6 @@ ClockSource* source()
     return s_source.load(std::memory_order_acquire);
 }
 
-// What a source's clock shows, in the zone that the C runtime has read.
-CalendarTime split(std::int64_t now)
-{
-    const __time64_t second = now / nanosecondsPerSecond;
-    std::tm fields{};
-    _localtime64_s(&fields, &second);
-    return {
-        fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_wday,
-        fields.tm_hour,        fields.tm_min,     fields.tm_sec,  static_cast<int>(now % nanosecondsPerSecond / nanosecondsPerMilliSecond)};
-}
-
-bool setSource(ClockSource& clock, const CalendarTime& time)
-{
-    std::tm fields{};
-    fields.tm_year = time.year - 1900;
-    fields.tm_mon = time.month - 1;
-    fields.tm_mday = time.day;
-    fields.tm_hour = time.hour;
-    fields.tm_min = time.minute;
-    fields.tm_sec = time.second;
-    fields.tm_isdst = -1;
-    const __time64_t second = _mktime64(&fields);
-    return second != -1 && time.milliSecond >= 0 && time.milliSecond <= 999 &&
-           clock.setWallNanoseconds(second * nanosecondsPerSecond + time.milliSecond * nanosecondsPerMilliSecond);
-}
-
 }  // namespace
 
 void setClockSource(ClockSource* source)
@@ -52,11 +26,42 @@ void setClockSource(ClockSource* source)
     s_source.store(source, std::memory_order_release);
 }
 
+bool splitLocal(std::uint64_t seconds, CalendarTime& time)
+{
+    const auto second = static_cast<__time64_t>(seconds);
+    std::tm fields{};
+    if (second < 0 || _localtime64_s(&fields, &second) != 0)
+    {
+        return false;
+    }
+    time = {fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday, fields.tm_wday, fields.tm_hour, fields.tm_min, fields.tm_sec, 0};
+    return true;
+}
+
+std::int64_t joinLocal(const CalendarTime& time)
+{
+    // Fields that somebody else filled: what does not fit wraps.
+    const auto less = [](int value, unsigned int by) { return static_cast<int>(static_cast<unsigned int>(value) - by); };
+    std::tm fields{};
+    fields.tm_year = less(time.year, 1900);
+    fields.tm_mon = less(time.month, 1);
+    fields.tm_mday = time.day;
+    fields.tm_hour = time.hour;
+    fields.tm_min = time.minute;
+    fields.tm_sec = time.second;
+    fields.tm_isdst = -1;
+    return _mktime64(&fields);
+}
+
 CalendarTime localTime()
 {
     if (ClockSource* const clock = source()) [[unlikely]]
     {
-        return split(clock->wallNanoseconds());
+        const std::int64_t nanoseconds = clock->wallNanoseconds();
+        CalendarTime time{};
+        splitLocal(static_cast<std::uint64_t>(nanoseconds / nanosecondsPerSecond), time);
+        time.milliSecond = static_cast<int>(nanoseconds % nanosecondsPerSecond / nanosecondsPerMilliSecond);
+        return time;
     }
     SYSTEMTIME now;
     GetLocalTime(&now);
@@ -80,7 +85,9 @@ bool setLocalTime(const CalendarTime& time)
 {
     if (ClockSource* const clock = source())
     {
-        return setSource(*clock, time);
+        const std::int64_t second = joinLocal(time);
+        return second != -1 && time.milliSecond >= 0 && time.milliSecond <= 999 &&
+               clock->setWallNanoseconds(second * nanosecondsPerSecond + time.milliSecond * nanosecondsPerMilliSecond);
     }
     const auto word = [](int value) { return static_cast<WORD>(value); };
     const SYSTEMTIME wanted{word(time.year), word(time.month),  word(time.dayOfWeek), word(time.day),

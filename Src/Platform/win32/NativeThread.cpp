@@ -75,6 +75,7 @@ struct NativeThread::Record
     static unsigned int __stdcall main(void* argument)
     {
         auto& record = *static_cast<Record*>(argument);
+        s_current = &record;
         record.routine(record.argument);
         record.endHere();
         return 0;
@@ -88,6 +89,7 @@ struct NativeThread::Record
         finish();
     }
 
+    static thread_local Record* s_current;  // the calling thread's, if it was started here
     const Routine routine;
     const Routine atEnd;
     void* const argument;
@@ -96,6 +98,22 @@ struct NativeThread::Record
     std::atomic<int> stage{running};
     std::shared_ptr<Record> self;  // the thread's own share
 };
+
+thread_local NativeThread::Record* NativeThread::Record::s_current = nullptr;
+
+void exitCurrentThread()
+{
+    NativeThread::endCurrent();
+    ExitThread(0);
+}
+
+void NativeThread::endCurrent()
+{
+    if (Record::s_current)
+    {
+        Record::s_current->endHere();
+    }
+}
 
 int NativeThread::start(std::size_t stackSize, Routine routine, Routine ended, void* argument)
 try
@@ -153,8 +171,7 @@ bool NativeThread::terminate() const
     const std::shared_ptr<Record> record = m_record;
     if (record->id == GetCurrentThreadId())
     {
-        record->endHere();
-        _endthreadex(0);
+        exitCurrentThread();
     }
     if (!record->claimEnd(Record::terminated))
     {

@@ -1,7 +1,9 @@
 #include "support/Host.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -112,6 +114,16 @@ void hide(const std::string&)
 std::filesystem::path programFile()
 {
     return std::filesystem::read_symlink("/proc/self/exe");
+}
+
+bool loadLibrary(const std::string& path)
+{
+    return dlopen(path.c_str(), RTLD_NOW) != nullptr;
+}
+
+std::size_t blockSize(void* memory)
+{
+    return malloc_usable_size(memory);
 }
 
 bool makeLink(const std::string& target, const std::string& path)

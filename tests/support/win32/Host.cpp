@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <io.h>
+#include <malloc.h>
 #include <windows.h>
 
 #include <algorithm>
@@ -156,6 +157,16 @@ std::filesystem::path programFile()
 {
     wchar_t path[MAX_PATH];
     return std::wstring(path, GetModuleFileNameW(nullptr, path, MAX_PATH));
+}
+
+bool loadLibrary(const std::string& path)
+{
+    return LoadLibraryA(path.c_str()) != nullptr;
+}
+
+std::size_t blockSize(void* memory)
+{
+    return _msize(memory);
 }
 
 bool makeLink(const std::string& target, const std::string& path)
