@@ -11,7 +11,7 @@ fail()
     exit 1
 }
 
-"$1" "$folder/journal" 5 > "$folder/out" || fail "exit code $?"
+"$1" "$folder/journal" 5 | tr -d '\r' > "$folder/out" || fail "exit code $?"
 day='[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}'
 [[ "$(grep -cE "^$day #[1-5] level [0-9]+ %$" "$folder/journal")" == 5 && "$(wc -l < "$folder/journal")" == 5 ]] || fail 'not five readings'
 [[ "$(cut -d'#' -f2 "$folder/journal" | cut -d' ' -f1 | tr -d '\n')" == 12345 ]] || fail 'not in order'

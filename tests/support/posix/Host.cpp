@@ -33,6 +33,7 @@ const unsigned int ownersPermissions = 0600;
 const bool searchesReadAhead = false;
 const int fewestDescriptors = 0;
 const bool callsLateHandlers = true;
+const bool zonesHaveRules = true;
 const bool hasLinks = true;
 const char* const patternName = "*";
 const char* const openedDirectory = "errno:21, errmsg:Is a directory\n";

@@ -40,6 +40,7 @@ const unsigned int ownersPermissions = 0666;  // there are no others
 const bool searchesReadAhead = true;
 const int fewestDescriptors = 1;       // Wine's opens the file before it looks for a descriptor, and does not close it if there is none
 const bool callsLateHandlers = false;  // Wine's does not; those of a DLL the loader has called
+const bool zonesHaveRules = false;
 const bool hasLinks = false;           // not under Wine
 const char* const patternName = "[x]";
 const char* const openedDirectory = "errno:13, errmsg:Permission denied\n";

@@ -64,6 +64,8 @@ inline const EVP_CIPHER* EVP_get_cipherbyname(const char* name)
             }
             s_ciphers[std::string("DES-EDE3-") + mode] = {GCRY_CIPHER_3DES, number, 24, 8};
         }
+        s_ciphers["DES-EDE3"] = s_ciphers["DES-EDE3-ECB"];
+        s_ciphers["DES-EDE"] = {GCRY_CIPHER_3DES, GCRY_CIPHER_MODE_ECB, 16, 8};
     }
     const auto found = s_ciphers.find(name);
     return found == s_ciphers.end() ? nullptr : &found->second;
@@ -97,7 +99,9 @@ inline int EVP_CipherInit_ex(EVP_CIPHER_CTX* context, const EVP_CIPHER* cipher, 
     }
     // Keys that it calls weak are used all the same.
     gcry_cipher_ctl(context->handle, GCRYCTL_SET_ALLOW_WEAK_KEY, nullptr, 1);
-    const gcry_error_t error = gcry_cipher_setkey(context->handle, key, cipher->keySize);
+    std::string whole(reinterpret_cast<const char*>(key), cipher->keySize);
+    whole += cipher->algorithm == GCRY_CIPHER_3DES && whole.size() == 16 ? whole.substr(0, 8) : "";
+    const gcry_error_t error = gcry_cipher_setkey(context->handle, whole.data(), whole.size());
     if (error != 0 && gcry_err_code(error) != GPG_ERR_WEAK_KEY)
     {
         return 0;
