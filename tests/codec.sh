@@ -28,6 +28,12 @@ same()
     local expected="$1" code=0
     shift
     "$codec" "$@" > out 2> err || code=$?
+    if [[ $code == 1 && ! -s err && -e "$codec.exe" ]]; then
+        # Wine ends a program now and then before it has begun; codec never fails without a word.
+        echo "once more: codec $*"
+        code=0
+        "$codec" "$@" > out 2> err || code=$?
+    fi
     [[ $code == 0 ]] || failed "codec $*: exit code $code: $(cat err)"
     cmp "$expected" out >&2 || failed "codec $*"
 }
