@@ -1,12 +1,6 @@
 // The library's files and directories beside others. Rows are named file/operation/arguments/place/who, with the wall time of an operation.
 //
 // A place is a disk, whose cache in the system is what is measured, or a file system in memory.
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/vfs.h>
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -22,6 +16,7 @@
 #include <Poco/FileStream.h>
 #endif
 
+#include "native.h"
 #include "support.h"
 
 namespace {
@@ -58,12 +53,23 @@ bool isDots(const char* name)
     return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
 }
 
-bool makeFile(const std::string& path, mode_t mode, std::size_t size)
+bool makeFile(const std::string& path, bool readOnly, std::size_t size)
 {
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    const bool made = file >= 0 && ftruncate(file, static_cast<off_t>(size)) == 0;
-    close(file);
-    return made;
+    std::error_code error;
+    if (!std::ofstream(path))
+    {
+        return false;
+    }
+    if (size != 0)
+    {
+        fs::resize_file(path, size, error);
+    }
+    if (readOnly && !error)
+    {
+        constexpr fs::perms writable = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+        fs::permissions(path, writable, fs::perm_options::remove, error);
+    }
+    return !error;
 }
 
 // A directory that rows use, and what they find there. That is made when the first row needs it.
@@ -74,12 +80,7 @@ struct Place
     Seen content;  // of directory()
 
     // Whether it is what its name says.
-    [[nodiscard]] bool usable() const
-    {
-        constexpr auto inMemory = 0x01021994;  // the system's number of such file systems
-        struct statfs found;
-        return scratch.made() && statfs(scratch.file("").c_str(), &found) == 0 && (found.f_type == inMemory) == (name == "memory");
-    }
+    [[nodiscard]] bool usable() const { return scratch.made() && Bench::isInMemory(scratch.file("")) == (name == "memory"); }
 
     // A file of fileSize bytes.
     [[nodiscard]] std::string file() const
@@ -100,7 +101,7 @@ struct Place
         {
             const std::string bare = "recording-" + std::to_string(i) + ".dat", entry = path + "/" + bare;
             const bool isDirectory = i % 100 == 0, readOnly = !isDirectory && i % 10 == 0;
-            if (isDirectory ? fs::create_directory(entry) : makeFile(entry, readOnly ? 0444 : 0644, i * 11))
+            if (isDirectory ? fs::create_directory(entry) : makeFile(entry, readOnly, i * 11))
             {
                 content.add(bare.size(), isDirectory, readOnly, i * 11);
             }
@@ -250,18 +251,11 @@ void searchOurs(const std::string& directory, Seen& seen)
     }
 }
 
-void searchReaddir(const std::string& directory, Seen& seen)
+void searchNative(const std::string& directory, Seen& seen)
 {
-    const std::unique_ptr<DIR, int (*)(DIR*)> search(opendir(directory.c_str()), &closedir);
-    struct stat status;
-    while (const dirent* const entry = search ? readdir(search.get()) : nullptr)
-    {
-        if (!isDots(entry->d_name) && fstatat(dirfd(search.get()), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
-        {
-            seen.add(std::strlen(entry->d_name), S_ISDIR(status.st_mode), (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0,
-                     static_cast<std::uint64_t>(status.st_size));
-        }
-    }
+    Bench::Native::searchDirectory(directory, [&seen](const char* name, bool isDirectory, bool readOnly, auto size) {
+        seen.add(std::strlen(name), isDirectory, readOnly, static_cast<std::uint64_t>(size));
+    });
 }
 
 // Without permissions, whether an entry is a directory is known before its status is asked for.
@@ -273,7 +267,7 @@ void searchStd(const std::string& directory, Seen& seen)
     {
         const fs::file_status status = permissions ? entry.status() : fs::file_status();
         const bool isDirectory = permissions ? fs::is_directory(status) : entry.is_directory();
-        const std::string name = entry.path().filename();
+        const std::string name = entry.path().filename().string();
         seen.add(name.size(), isDirectory, (status.permissions() & writable) == fs::perms::none, isDirectory ? 0 : entry.file_size());
     }
 }
@@ -333,7 +327,7 @@ void addRemove(const Place& place, const char* who, void (*remove)(const std::st
             bool made = fs::create_directory(directory);
             for (int i = 0; i < 1000; ++i)
             {
-                made = makeFile(directory + "/recording-" + std::to_string(i) + ".dat", 0644, 0) && made;
+                made = makeFile(directory + "/recording-" + std::to_string(i) + ".dat", false, 0) && made;
             }
             return made;
         };
@@ -354,7 +348,7 @@ void addRows(Place& place)
     addSearch(place, "ortha-ex", true, searchOurs<CFileFindEx>);
     addSearch(place, "std", true, searchStd<true>);
     addSearch(place, "std-sizes", false, searchStd<false>);
-    addSearch(place, "readdir", true, searchReaddir);
+    addSearch(place, Bench::Native::searchedBy, true, searchNative);
     addMake(place, "ortha", [](const std::string& path) { CFile::makeDirectoryRecursively(path.c_str()); });
     addMake(place, "std", [](const std::string& path) { fs::create_directories(path); });
     addRemove(place, "ortha", [](const std::string& path) { CFile::removeDirectoryRecursively(path.c_str(), true); });
@@ -372,7 +366,7 @@ void addRows(Place& place)
 
 int main(int argc, char** argv)
 {
-    Place places[] = {{"disk", Bench::Scratch(fs::temp_directory_path()), {}}, {"memory", Bench::Scratch("/dev/shm"), {}}};
+    Place places[] = {{"disk", Bench::Scratch(fs::temp_directory_path()), {}}, {"memory", Bench::Scratch(Bench::memoryDirectory), {}}};
     for (Place& place : places)
     {
         if (place.usable())

@@ -1,6 +1,4 @@
 // The library's locks and thread slots beside others. Rows are named lock/operation/arguments/who.
-#include <pthread.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -18,6 +16,7 @@
 #include <Poco/RWLock.h>
 #endif
 
+#include "native.h"
 #include "support.h"
 
 namespace {
@@ -272,11 +271,10 @@ void getSlot(benchmark::State& state, Get get)
 void compareSlots()
 {
     static General::Ortha::CThreadSpecific s_ours;
-    static pthread_key_t s_key;
-    pthread_key_create(&s_key, nullptr);
+    static Bench::Native::Slot s_native;
+    const std::string native = Bench::Native::system;
     Bench::row("lock/slot/set/ortha", [](benchmark::State& state) { setSlot(state, [](void* value) { s_ours.setValue(value); }); });
-    Bench::row("lock/slot/set/posix",
-               [](benchmark::State& state) { setSlot(state, [](void* value) { pthread_setspecific(s_key, value); }); });
+    Bench::row("lock/slot/set/" + native, [](benchmark::State& state) { setSlot(state, [](void* value) { s_native.set(value); }); });
     Bench::row("lock/slot/get/ortha", [](benchmark::State& state) {
         getSlot(state, [] {
             void* value = nullptr;
@@ -284,7 +282,7 @@ void compareSlots()
             return value;
         });
     });
-    Bench::row("lock/slot/get/posix", [](benchmark::State& state) { getSlot(state, [] { return pthread_getspecific(s_key); }); });
+    Bench::row("lock/slot/get/" + native, [](benchmark::State& state) { getSlot(state, [] { return s_native.get(); }); });
 }
 
 }  // namespace

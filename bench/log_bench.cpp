@@ -1,7 +1,4 @@
 // Log calls of the library beside others. Rows are named log/operation/arguments/who.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -29,7 +26,7 @@ const Bench::Scratch& scratch()
     return scratch;
 }
 
-std::int64_t linesOf(const char* name)
+std::int64_t linesOf(const std::string& name)
 {
     std::ifstream stream(scratch().file(name), std::ios::binary);
     std::vector<char> block(1 << 16);
@@ -45,24 +42,23 @@ std::int64_t linesOf(const char* name)
 class RedirectedOutput
 {
 public:
-    explicit RedirectedOutput(const char* name)
+    explicit RedirectedOutput(const std::string& file)
     {
         flush();
-        m_before = dup(STDOUT_FILENO);
-        const int file = open(scratch().file(name).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-        m_redirected = m_before >= 0 && file >= 0 && dup2(file, STDOUT_FILENO) >= 0;
-        close(file);
+        m_before = Bench::redirectOutput(file);
     }
     ~RedirectedOutput()
     {
         flush();
-        dup2(m_before, STDOUT_FILENO);
-        close(m_before);
+        if (redirected())
+        {
+            Bench::restoreOutput(m_before);
+        }
     }
     RedirectedOutput(const RedirectedOutput&) = delete;
     RedirectedOutput& operator=(const RedirectedOutput&) = delete;
 
-    [[nodiscard]] bool redirected() const { return m_redirected; }
+    [[nodiscard]] bool redirected() const { return m_before >= 0; }
 
 private:
     static void flush()
@@ -72,7 +68,6 @@ private:
     }
 
     int m_before = -1;
-    bool m_redirected = false;
 };
 
 void checkLines(benchmark::State& state, const char* file, std::int64_t expected)
@@ -103,7 +98,7 @@ void oursLine(benchmark::State& state, bool flushed)
     General::Ortha::setPrintLogLevel(4);
     std::int64_t written = 0;
     {
-        const RedirectedOutput output("ortha.log");
+        const RedirectedOutput output(scratch().file("ortha.log"));
         if (!output.redirected())
         {
             state.SkipWithError("cannot redirect standard output");
@@ -145,7 +140,7 @@ void oursSavedLine(benchmark::State& state)
         options.noColor = flushed ? 0 : 1;
         General::Ortha::setPrintOptions(options);
         General::Ortha::setPrintLogLevel(4);
-        s_output = std::make_unique<RedirectedOutput>("/dev/null");
+        s_output = std::make_unique<RedirectedOutput>(Bench::nullFile);
         std::filesystem::create_directory(scratch().file("saved"));
         command({"-logpath", scratch().file("saved/line")});
         command({"-logsavesetting", "bysize", "16384", "0"});
@@ -166,7 +161,7 @@ void oursSavedLine(benchmark::State& state)
         std::int64_t lines = 0;
         for (const auto& file : std::filesystem::directory_iterator(scratch().file("saved")))
         {
-            lines += linesOf(file.path().c_str());
+            lines += linesOf(file.path().string());
         }
         if (lines != state.iterations() * state.threads())
         {

@@ -1,7 +1,5 @@
 // Packets, their pool and block pools beside others. Rows are named memory/operation/number/who. A process has one source of packet memory, so
 // this file makes two programs: memory_bench with the pool, and memory_system_bench, with ORTHA_BENCH_SYSTEM_POLICY defined, without it.
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -22,6 +20,7 @@
 #include <Poco/MemoryPool.h>
 #endif
 
+#include "native.h"
 #include "support.h"
 
 namespace {
@@ -67,15 +66,14 @@ struct Object
 using OrthaMemPool = Object<Detail::CMemPool, &Detail::CMemPool::malloc, &Detail::CMemPool::free, blockSize, 256>;
 
 using Functions = std::pair<void* (*)(std::size_t), void (*)(void*)>;
-constexpr Functions s_glibc{&std::malloc, &std::free};
+constexpr Functions s_standard{&std::malloc, &std::free};
 
-// An allocator that would take the place of glibc's if the program were linked to it: loaded apart, and called by the names that are only its own.
+// An allocator that would take the place of the standard one if the program were linked to it: loaded apart, and called by the names that are only its own.
 [[maybe_unused]] Functions load(const char* path, const char* mallocName, const char* freeName)
 {
-    void* const library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
-    const auto take = reinterpret_cast<Functions::first_type>(library ? dlsym(library, mallocName) : nullptr);
-    const auto give = reinterpret_cast<Functions::second_type>(library ? dlsym(library, freeName) : nullptr);
-    if (!take || !give || take == s_glibc.first || give == s_glibc.second)
+    const auto take = reinterpret_cast<Functions::first_type>(Bench::loadFunction(path, mallocName));
+    const auto give = reinterpret_cast<Functions::second_type>(Bench::loadFunction(path, freeName));
+    if (!take || !give || take == s_standard.first || give == s_standard.second)
     {
         throw std::runtime_error(std::string("cannot be loaded beside malloc: ") + path);
     }
@@ -267,7 +265,7 @@ void compare()
     CPacketManager::config(CPacketManager::policyPool, nullptr, &pool);
     const std::initializer_list<std::size_t> inUse = {10, 100, 1'000, 10'000, 100'000};
     compareSource<OrthaPool, OrthaMemPool>("ortha", inUse);
-    compareSource<Allocator<s_glibc, chunkSize>, Allocator<s_glibc, blockSize>>("glibc", {1'000});
+    compareSource<Allocator<s_standard, chunkSize>, Allocator<s_standard, blockSize>>(Bench::Native::allocator, {1'000});
     rows("memory/pool/lock-share", {2}, "ortha", lockTwice);
     rows("memory/packet/pool", {1024}, "ortha", createInHalf);
     rows("memory/packet/pool", {1024}, "ortha-empty-pool", createCopyTwice<makePacket>);

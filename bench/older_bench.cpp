@@ -68,7 +68,7 @@ void compareTime(const std::string& who, Options... options)
 
 int main(int argc, char** argv)
 {
-    setenv("TZ", "EST5EDT,M3.2.0,M11.1.0", 1);
+    Bench::setZone("EST5EDT,M3.2.0,M11.1.0");
     static CMutex s_mutex;
     static Newer::CMutex s_newerMutex;
     static std::recursive_mutex s_stdMutex;

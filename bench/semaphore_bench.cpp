@@ -1,6 +1,4 @@
 // The library's semaphore beside others. Rows are named semaphore/operation/placement/who.
-#include <semaphore.h>
-
 #include <atomic>
 #include <semaphore>
 
@@ -10,6 +8,7 @@
 #include <Poco/Semaphore.h>
 #endif
 
+#include "native.h"
 #include "support.h"
 
 namespace {
@@ -25,26 +24,6 @@ public:
 
 private:
     General::Ortha::CSemaphore m_semaphore;
-};
-
-class PosixSemaphore
-{
-public:
-    PosixSemaphore() { sem_init(&m_semaphore, 0, 0); }
-    ~PosixSemaphore() { sem_destroy(&m_semaphore); }
-    PosixSemaphore(const PosixSemaphore&) = delete;
-    PosixSemaphore& operator=(const PosixSemaphore&) = delete;
-    void post() { sem_post(&m_semaphore); }
-    void wait()
-    {
-        while (sem_wait(&m_semaphore) != 0)
-        {
-        }
-    }
-    bool tryTake() { return sem_trywait(&m_semaphore) == 0; }
-
-private:
-    sem_t m_semaphore;
 };
 
 class StdSemaphore
@@ -133,8 +112,11 @@ void compare(const std::string& who)
 int main(int argc, char** argv)
 {
     compare<Ours>("ortha");
-    compare<PosixSemaphore>("posix");
-    compare<StdSemaphore>("std");
+    compare<Bench::Native::Semaphore>(Bench::Native::system);
+    if (Bench::Native::stdSemaphoreWakes)
+    {
+        compare<StdSemaphore>("std");
+    }
 #ifdef ORTHA_BENCH_HAS_POCO
     compare<PocoSemaphore>("poco");
 #endif

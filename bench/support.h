@@ -2,8 +2,6 @@
 #pragma once
 
 #include <benchmark/benchmark.h>
-#include <pthread.h>
-#include <sched.h>
 
 #include <condition_variable>
 #include <cstdint>
@@ -18,6 +16,8 @@
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "host.h"
 
 namespace Bench {
 
@@ -73,34 +73,20 @@ class PlacedThread
 public:
     explicit PlacedThread(Placement placement, int number = 0)
     {
-        CPU_ZERO(&m_before);
         if (placement == Placement::anywhere)
         {
             return;
         }
-        m_failed = pthread_getaffinity_np(pthread_self(), sizeof(m_before), &m_before) != 0;
-        int skip = placement == Placement::apart ? number : 0;
-        int processor = CPU_SETSIZE - 1;
-        while (processor >= 0 && (!CPU_ISSET(processor, &m_before) || skip-- > 0))
-        {
-            --processor;
-        }
-        if (m_failed || processor < 0)
-        {
-            m_failed = true;
-            return;
-        }
-        cpu_set_t one;
-        CPU_ZERO(&one);
-        CPU_SET(processor, &one);
-        m_moved = pthread_setaffinity_np(pthread_self(), sizeof(one), &one) == 0;
+        m_before = processors();
+        const std::size_t skipped = placement == Placement::apart ? static_cast<std::size_t>(number) : 0;
+        m_moved = skipped < m_before.size() && runOn({m_before[m_before.size() - 1 - skipped]});
         m_failed = !m_moved;
     }
     ~PlacedThread()
     {
         if (m_moved)
         {
-            pthread_setaffinity_np(pthread_self(), sizeof(m_before), &m_before);
+            runOn(m_before);
         }
     }
     PlacedThread(const PlacedThread&) = delete;
@@ -110,7 +96,7 @@ public:
     [[nodiscard]] bool failed() const { return m_failed; }
 
 private:
-    cpu_set_t m_before;
+    std::vector<int> m_before;
     bool m_moved = false;
     bool m_failed = false;
 };
@@ -144,15 +130,21 @@ class Scratch
 public:
     explicit Scratch(const std::filesystem::path& where = std::filesystem::temp_directory_path())
     {
-        std::string name = where / "ortha_bench.XXXXXX";
-        if (mkdtemp(name.data()))
+        const std::filesystem::path directory = where / ("ortha_bench." + std::to_string(std::random_device()()));
+        std::error_code ignored;
+        if (!where.empty() && std::filesystem::create_directory(directory, ignored))
         {
-            m_directory = name;
+            m_directory = directory;
         }
     }
     ~Scratch()
     {
         std::error_code ignored;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_directory, ignored))
+        {
+            // Not every system removes what is read-only.
+            std::filesystem::permissions(entry, std::filesystem::perms::owner_write, std::filesystem::perm_options::add, ignored);
+        }
         std::filesystem::remove_all(m_directory, ignored);
     }
     Scratch(const Scratch&) = delete;
@@ -160,7 +152,7 @@ public:
 
     /// False if there is none to be had.
     [[nodiscard]] bool made() const { return !m_directory.empty(); }
-    [[nodiscard]] std::string file(std::string_view name) const { return m_directory / name; }
+    [[nodiscard]] std::string file(std::string_view name) const { return (m_directory / name).generic_string(); }
 
 private:
     std::filesystem::path m_directory;

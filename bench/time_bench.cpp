@@ -1,11 +1,10 @@
 // The library's calendar, time texts and clocks beside others. Rows are named time/operation/who.
 //
 // Inputs are drawn at random, or else the branches that depend on a date are learnt. Each conversion is tried on all of them before it is measured.
-#include <time.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <ctime>
 
 #include "ortha/ortha3/Time.h"
 
@@ -23,22 +22,17 @@
 #include <date/date.h>
 #endif
 
+#include "native.h"
 #include "support.h"
 
 namespace {
 
 namespace chrono = std::chrono;
+using Bench::Native::split;
 using General::Ortha::CTime;
 using General::Ortha::SystemTime;
 using Seconds = unsigned long long;
 using Text = std::string;
-
-tm split(time_t seconds)
-{
-    tm time;
-    gmtime_r(&seconds, &time);
-    return time;
-}
 
 SystemTime fieldsOf(const tm& time)
 {
@@ -49,14 +43,6 @@ SystemTime fieldsOf(const tm& time)
 void write(const tm& time, const char* format, Text& text)
 {
     strftime(text.data(), text.size() + 1, format, &time);
-}
-
-time_t parse(const Text& text, const char* format)
-{
-    tm time{};
-    strptime(text.c_str(), format, &time);
-    const long offset = time.tm_gmtoff;
-    return timegm(&time) - offset;
 }
 
 // The same times in all forms, by the C library: from the second day on, so that no zone brings one to before 1970, to the end of 2099.
@@ -75,7 +61,7 @@ struct Times
         for (std::size_t i = 0; i < count; ++i)
         {
             seconds[i] = draw();
-            splits[i] = split(seconds[i]);
+            splits[i] = split(time_t(seconds[i]));
             static_cast<SystemTime&>(fields[i]) = fieldsOf(splits[i]);
             write(splits[i], "%Y-%m-%d %H:%M:%S", texts[i]);
             write(splits[i], "%Y-%m-%dT%H:%M:%SZ", utcTexts[i]);
@@ -143,7 +129,7 @@ void compareCalendar(const std::string& who)
 
 int main(int argc, char** argv)
 {
-    setenv("TZ", "UTC", 1);
+    Bench::setZone("UTC");
     const auto& [seconds, splits, fields, texts, utcTexts, zoneTexts] = times;
     constexpr const char* format = "yyyy-MM-dd HH:mm:ss";
     convert("seconds-to-fields/ortha", seconds, fields, [](Seconds utc, CTime& time) { std::construct_at(&time, utc, false); });
@@ -155,17 +141,22 @@ int main(int argc, char** argv)
     read("monotonic-clock/ortha", &CTime::getCurrentMilliSecond);
     read("local-time/ortha", &CTime::getCurrentTime);
 
-    convert("seconds-to-fields/libc", seconds, fields, [](Seconds utc, SystemTime& time) { time = fieldsOf(split(utc)); });
-    convert("fields-to-seconds/libc", splits, seconds, [](tm time, Seconds& utc) { utc = timegm(&time); });
+    convert("seconds-to-fields/libc", seconds, fields, [](Seconds utc, SystemTime& time) { time = fieldsOf(split(time_t(utc))); });
+    convert("fields-to-seconds/libc", splits, seconds, [](tm time, Seconds& utc) { utc = Seconds(Bench::Native::join(time)); });
     convert("format/libc", splits, texts, [](const tm& time, Text& text) { write(time, "%Y-%m-%d %H:%M:%S", text); });
-    convert("parse/libc", texts, seconds, [](const Text& text, Seconds& utc) { utc = parse(text, "%Y-%m-%d %H:%M:%S"); });
-    convert("parse-with-zone/libc", zoneTexts, seconds, [](const Text& text, Seconds& utc) { utc = parse(text, "%Y-%m-%dT%H:%M:%S%z"); });
-    convert("format-utc/libc", seconds, utcTexts, [](Seconds utc, Text& text) { write(split(utc), "%Y-%m-%dT%H:%M:%SZ", text); });
+    using Bench::Native::parse;
+    if (Bench::Native::parses)
+    {
+        convert("parse/libc", texts, seconds, [](const Text& text, Seconds& utc) { utc = Seconds(parse(text, "%Y-%m-%d %H:%M:%S")); });
+        convert("parse-with-zone/libc", zoneTexts, seconds,
+                [](const Text& text, Seconds& utc) { utc = Seconds(parse(text, "%Y-%m-%dT%H:%M:%S%z")); });
+    }
+    convert("format-utc/libc", seconds, utcTexts, [](Seconds utc, Text& text) { write(split(time_t(utc)), "%Y-%m-%dT%H:%M:%SZ", text); });
     read("monotonic-clock/std", &chrono::steady_clock::now);
     timespec now;
-    read("monotonic-clock/libc", [&now] { return clock_gettime(CLOCK_MONOTONIC, &now); });
+    read("monotonic-clock/libc", [&now] { return Bench::Native::monotonicTime(now); });
     tm local;
-    read("local-time/libc", [&now, &local] { return clock_gettime(CLOCK_REALTIME, &now), localtime_r(&now.tv_sec, &local); });
+    read("local-time/libc", [&now, &local] { return Bench::Native::localTime(now, local); });
     compareCalendar<chrono::sys_days, chrono::year_month_day, chrono::weekday, chrono::hh_mm_ss<chrono::seconds>>("std");
 #ifdef ORTHA_BENCH_HAS_DATE
     compareCalendar<date::sys_days, date::year_month_day, date::weekday, date::hh_mm_ss<chrono::seconds>>("date");

@@ -1,13 +1,10 @@
 // The library's timers beside event loops' timers. Rows are named timer/operation/started timers/who.
 //
 // The loops' timers belong to one thread; ours may be started and stopped by any.
-#include <pthread.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <ctime>
 #include <deque>
 
 #include "ortha/ortha3/Timer.h"
@@ -36,13 +33,6 @@ constexpr std::chrono::seconds idleTime(2);
     std::abort();
 }
 
-double processorSeconds(clockid_t clock)
-{
-    timespec time{};
-    clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
 // Each of these holds a number of timers; start and stop take a timer's number.
 
 class OurTimers
@@ -68,9 +58,9 @@ public:
         {
             m_timers.emplace_back("Bench");  // the first timer starts the manager
         }
-        const double before = processorSeconds(CLOCK_PROCESS_CPUTIME_ID);
+        const double before = Bench::processorSeconds();
         std::this_thread::sleep_for(idleTime);
-        return processorSeconds(CLOCK_PROCESS_CPUTIME_ID) - before;
+        return Bench::processorSeconds() - before;
     }
 
 private:
@@ -85,11 +75,9 @@ double processorTimeOf(Loop loop, End end)
 {
     std::thread thread(loop);
     std::this_thread::sleep_for(std::chrono::milliseconds(100));  // it has begun to wait
-    clockid_t clock{};
-    pthread_getcpuclockid(thread.native_handle(), &clock);
-    const double before = processorSeconds(clock);
+    const double before = Bench::processorSeconds(thread);
     std::this_thread::sleep_for(idleTime);
-    const double used = processorSeconds(clock) - before;
+    const double used = Bench::processorSeconds(thread) - before;
     end();
     thread.join();
     return used;

@@ -1,8 +1,7 @@
 // The library's digests, checksums, ciphers, encoders, character sets and interval set beside others. Rows are named utils/operation/size/who.
-#include <iconv.h>
-
 #include <iterator>
 
+#include "native.h"
 #include "utils_rows.h"
 
 #ifdef ORTHA_BENCH_HAS_OPENSSL
@@ -31,6 +30,7 @@ const std::string_view UtilsRows::area = "utils";
 namespace {
 
 using namespace UtilsRows;
+using Bench::Native::Converter;
 
 void addDigests(std::size_t size)
 {
@@ -71,28 +71,11 @@ void addCiphers(std::size_t size, bool encrypts)
     addTripleDes(size, encrypts);
 }
 
-class Iconv
-{
-public:
-    Iconv(const char* to, const char* from) : m_state(iconv_open(to, from), &iconv_close) {}
-
-    View operator()(View from, Text& to)
-    {
-        char *next = const_cast<char*>(from.data()), *end = to.data();
-        std::size_t left = from.size(), room = to.size();
-        iconv(m_state.get(), &next, &left, &end, &room);
-        return View(to.data(), left == 0 ? to.size() - room : 0);
-    }
-
-private:
-    std::shared_ptr<void> m_state;
-};
-
 // Words of the scripts that are told by their first letters and how many they have, as UTF-8.
 Text drawText(const std::vector<std::pair<unsigned int, unsigned int>>& scripts)
 {
     Bench::Draw<unsigned int> draw(0, 1 << 20);
-    Iconv encode("UTF-8", "UTF-16LE");
+    Converter encode("UTF-8", "UTF-16LE");
     Text text, word(64, 0);
     while (text.size() < textSize)
     {
@@ -115,11 +98,12 @@ void addTexts()
     };
     const auto convert = [](const char* from, const char* to, const Text& text) {
         Text room(4 * text.size(), 0);
-        return Text(Iconv(to, from)(text, room));
+        return Text(Converter(to, from)(text, room));
     };
-    const auto addIconv = [](const Text& name, const char* from, const char* to, const Text& input) {
-        const auto make = [from, to] { return Iconv(to, from); };
-        row(name, textSize, "iconv", make, [input](Iconv& iconv, Text& output) { return iconv(input, output); });
+    const auto addNative = [](const Text& name, const char* from, const char* to, const Text& input) {
+        const auto make = [from, to] { return Converter(to, from); };
+        row(name, textSize, Bench::Native::convertedBy, make,
+            [input](Converter& converter, Text& output) { return converter(input, output); });
     };
     const Text chinese = drawText({{'a', 26}, {0x4E00, 0x5000}}), cyrillic = drawText({{'a', 26}, {0x430, 32}});
     const Text gbk = convert("UTF-8", "GBK", chinese), gbkUnits = convert("UTF-8", "UTF-16LE", chinese);
@@ -134,9 +118,9 @@ void addTexts()
         int length = int(to.size());
         return Utils::cp1251_to_utf8(out(to), length, in(text), size) == 0 ? length : 0;
     });
-    addIconv("gbk-to-units", "GBK", "UTF-16LE", gbk);
-    addIconv("gbk-from-units", "UTF-16LE", "GBK", gbkUnits);
-    addIconv("cp1251-to-utf8", "CP1251", "UTF-8", cp1251);
+    addNative("gbk-to-units", "GBK", "UTF-16LE", gbk);
+    addNative("gbk-from-units", "UTF-16LE", "GBK", gbkUnits);
+    addNative("cp1251-to-utf8", "CP1251", "UTF-8", cp1251);
 #ifdef ORTHA_BENCH_HAS_ICU
     static UErrorCode code = U_ZERO_ERROR;
     static UConverter *const gbkSet = ucnv_open("GBK", &code), *const cp1251Set = ucnv_open("windows-1251", &code);
@@ -157,8 +141,8 @@ void addTexts()
         add(there, "ortha", text, [](Text& utf8, int size, Text& to) { return 2 * Utils::utf8_mbstowcs(out<Units>(to), in(utf8), size); });
         add(back, "ortha", units + Text(2, 0),
             [](Text& utf16, int, Text& to) { return Utils::utf8_wcstombs(out(to), in<Units>(utf16), int(to.size())); });
-        addIconv(there, "UTF-8", "UTF-16LE", text);
-        addIconv(back, "UTF-16LE", "UTF-8", units);
+        addNative(there, "UTF-8", "UTF-16LE", text);
+        addNative(back, "UTF-16LE", "UTF-8", units);
 #ifdef ORTHA_BENCH_HAS_ICU
         add(there, "icu", text, [](Text& utf8, int size, Text& to) {
             int count = 0;
