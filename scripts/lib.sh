@@ -56,6 +56,31 @@ need()
         apt-get install -y -qq --no-install-recommends "${missing[@]}" < /dev/null > /dev/null || fail "could not install: ${missing[*]}"
 }
 
+# need_source PACKAGE: fetches and unpacks the source of a Debian package to build/sources/PACKAGE, from where the machine gets its packages, whose
+# settings stay as they are.
+need_source()
+{
+    local to="build/sources/$1" work="$PWD/build/sources/apt" file
+    [[ ! -d "$to" ]] || return 0
+    command -v apt-get > /dev/null || fail "no apt-get here; expecting the source of $1 in $to"
+    need dpkg-dev
+    say "Fetching the source of $1"
+    rm -rf "$work"
+    mkdir -p "$work"/{parts,lists/partial,archives/partial,unpacked}
+    for file in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
+        [[ ! -f "$file" ]] || sed -n 's/^deb\([[:space:]]\)/deb-src\1/p' "$file" > "$work/parts/$(basename "$file" .list).list"
+    done
+    for file in /etc/apt/sources.list.d/*.sources; do
+        [[ ! -f "$file" ]] || sed 's/^Types:.*/Types: deb-src/' "$file" > "$work/parts/$(basename "$file")"
+    done
+    local options=(-qq -o Dir::Etc::sourcelist=/dev/null -o "Dir::Etc::sourceparts=$work/parts" -o "Dir::State::lists=$work/lists"
+        -o "Dir::Cache=$work" -o "APT::Sandbox::User=$(id -un)")
+    apt-get "${options[@]}" update || fail "apt-get update failed for sources"
+    (cd "$work/unpacked" && apt-get "${options[@]}" source --only-source "$1" > /dev/null) || fail "could not fetch the source of $1"
+    mv "$work"/unpacked/*/ "$to"
+    rm -rf "$work"
+}
+
 # build PRESET: configures and builds it.
 build()
 {
