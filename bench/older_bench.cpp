@@ -105,5 +105,9 @@ int main(int argc, char** argv)
     static Newer::CTimer s_newerTimer("Bench");
     compare("timer/is-started", "ortha", s_timer, [](CTimer& timer) { benchmark::DoNotOptimize(timer.isStarted()); });
     compare("timer/is-started", "newer", s_newerTimer, [](auto& timer) { benchmark::DoNotOptimize(timer.isStarted()); });
-    return Bench::run(argc, argv);
+    const int status = Bench::run(argc, argv);
+    // Not every system removes what is open.
+    s_file.close();
+    s_newerFile.close();
+    return status;
 }
