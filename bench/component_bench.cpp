@@ -1,5 +1,5 @@
-// Component objects beside others: counts of references, objects that are made by name, shared instances, clients, and pointers to components. Rows
-// are named component/operation/number/who.
+// Component objects beside others: counts of references, objects that are made by name, shared instances, clients, and pointers to
+// components. Rows are named component/operation/number/who.
 #include <algorithm>
 #include <atomic>
 #include <functional>

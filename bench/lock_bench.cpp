@@ -138,8 +138,8 @@ void workBetween(int rounds)
     }
 }
 
-// Two threads take one lock for a fixed time and count. The time of the row is that of one turn; the counter min_share is what part of the turns
-// the thread that came off worse had, 0.5 at best.
+// Two threads take one lock for a fixed time and count. The time of the row is that of one turn; the counter min_share is what part of the
+// turns the thread that came off worse had, 0.5 at best.
 template <class Lock>
 void contend(benchmark::State& state, Placement placement, int roundsBetween)
 {

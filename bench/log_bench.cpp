@@ -128,7 +128,8 @@ void command(std::initializer_list<std::string> words)
     General::Ortha::setLogFilter(static_cast<int>(values.size()), values.data());
 }
 
-// Lines that are saved to a series of files while the console goes nowhere, by any number of threads, of which the first one sets the stage.
+// Lines that are saved to a series of files while the console goes nowhere, by any number of threads, of which the first one sets the
+// stage.
 template <bool flushed>
 void oursSavedLine(benchmark::State& state)
 {

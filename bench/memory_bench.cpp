@@ -1,5 +1,5 @@
-// Packets, their pool and block pools beside others. Rows are named memory/operation/number/who. A process has one source of packet memory, so
-// this file makes two programs: memory_bench with the pool, and memory_system_bench, with ORTHA_BENCH_SYSTEM_POLICY defined, without it.
+// Packets, their pool and block pools beside others. Rows are named memory/operation/number/who. A process has one source of packet memory,
+// so this file makes two programs: memory_bench with the pool, and memory_system_bench, with ORTHA_BENCH_SYSTEM_POLICY defined, without it.
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -31,8 +31,8 @@ using benchmark::State;
 constexpr std::size_t chunkSize = 1024, blockSize = 64;
 constexpr std::size_t orders = 18;  // the pool has 2^18 chunks, of which a row leaves free what it needs
 
-// Where blocks come from: open() and close() are called by one thread while no other uses the source. After open() it has room for `count` blocks,
-// and no more if there is an end to it.
+// Where blocks come from: open() and close() are called by one thread while no other uses the source. After open() it has room for `count`
+// blocks, and no more if there is an end to it.
 struct OrthaPool
 {
     static void open(std::size_t count)
@@ -68,7 +68,8 @@ using OrthaMemPool = Object<Detail::CMemPool, &Detail::CMemPool::malloc, &Detail
 using Functions = std::pair<void* (*)(std::size_t), void (*)(void*)>;
 constexpr Functions s_standard{&std::malloc, &std::free};
 
-// An allocator that would take the place of the standard one if the program were linked to it: loaded apart, and called by the names that are only its own.
+// An allocator that would take the place of the standard one if the program were linked to it: loaded apart, and called by the names that
+// are only its own.
 [[maybe_unused]] Functions load(const char* path, const char* mallocName, const char* freeName)
 {
     const auto take = reinterpret_cast<Functions::first_type>(Bench::loadFunction(path, mallocName));
@@ -110,8 +111,8 @@ struct alignas(64) Counted : boost::intrusive_ref_counter<Counted, boost::thread
 template <class Source>
 std::vector<void*> s_inUse;
 
-// Opens the source with `room` blocks and takes `inUse` of them; as many are freed between them, in no order. The first thread of a row does it for
-// all: the others may use the blocks within the timed loop, at whose ends the threads wait for each other.
+// Opens the source with `room` blocks and takes `inUse` of them; as many are freed between them, in no order. The first thread of a row
+// does it for all: the others may use the blocks within the timed loop, at whose ends the threads wait for each other.
 template <class Source>
 void open(const State& state, std::size_t room, std::size_t inUse)
 {
@@ -137,7 +138,8 @@ void close(const State& state)
     }
 }
 
-// Again and again frees a quarter of the blocks in use, in no order, and allocates as many. Few of the operations split or join: holes of one block fill first.
+// Again and again frees a quarter of the blocks in use, in no order, and allocates as many. Few of the operations split or join: holes of
+// one block fill first.
 template <class Source>
 void exchange(State& state, std::size_t inUse)
 {

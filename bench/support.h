@@ -21,8 +21,8 @@
 
 namespace Bench {
 
-/// A second thread that sleeps through the run: in a process of one thread the allocator, the locks and the shared pointers of the C and C++
-/// runtimes leave their atomic operations out, and look cheaper than any program that uses this library will see them.
+/// A second thread that sleeps through the run: in a process of one thread the allocator, the locks and the shared pointers of the C and
+/// C++ runtimes leave their atomic operations out, and look cheaper than any program that uses this library will see them.
 class SleepingThread
 {
 public:
@@ -52,9 +52,9 @@ private:
     std::thread m_thread;
 };
 
-/// Where the threads of a row run. Waking a thread on another processor of a virtual machine costs tens of microseconds, whoever does it, and
-/// hides what the primitive costs: rows that hand something over are measured on one processor, and once as the system places the threads.
-/// Rows that fight for something need a processor for each thread.
+/// Where the threads of a row run. Waking a thread on another processor of a virtual machine costs tens of microseconds, whoever does it,
+/// and hides what the primitive costs: rows that hand something over are measured on one processor, and once as the system places the
+/// threads. Rows that fight for something need a processor for each thread.
 enum class Placement
 {
     oneProcessor,

@@ -1,6 +1,7 @@
 // The library's calendar, time texts and clocks beside others. Rows are named time/operation/who.
 //
-// Inputs are drawn at random, or else the branches that depend on a date are learnt. Each conversion is tried on all of them before it is measured.
+// Inputs are drawn at random, or else the branches that depend on a date are learnt. Each conversion is tried on all of them before it is
+// measured.
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>

@@ -232,8 +232,8 @@ void restart(benchmark::State& state, std::size_t count)
     }
 }
 
-// Manual time: the processor time taken in one second of wall time, at least the clock's resolution: a loop that sleeps through takes none, and a
-// ratio needs a number.
+// Manual time: the processor time taken in one second of wall time, at least the clock's resolution: a loop that sleeps through takes none,
+// and a ratio needs a number.
 template <class Timers>
 void idle(benchmark::State& state, std::size_t count)
 {

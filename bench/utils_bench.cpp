@@ -1,4 +1,5 @@
-// The library's digests, checksums, ciphers, encoders, character sets and interval set beside others. Rows are named utils/operation/size/who.
+// The library's digests, checksums, ciphers, encoders, character sets and interval set beside others. Rows are named
+// utils/operation/size/who.
 #include <iterator>
 
 #include "native.h"

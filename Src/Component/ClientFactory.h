@@ -39,7 +39,8 @@ private:
     IClient::IFactory* m_original;
 };
 
-/// All clients that exist, oldest first, and the check for those that nobody needs. The list holds no reference but that of a client that has not been used.
+/// All clients that exist, oldest first, and the check for those that nobody needs. The list holds no reference but that of a client that
+/// has not been used.
 class CClientInstanceList
 {
 public:

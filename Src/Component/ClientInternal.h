@@ -11,7 +11,8 @@
 
 namespace General::Component {
 
-/// Guards the list of clients, and what a client shows of its server and its login. Taken inside the create mutex, never the other way round.
+/// Guards the list of clients, and what a client shows of its server and its login. Taken inside the create mutex, never the other way
+/// round.
 Ortha::CRecursiveMutex& clientListMutex();
 
 /// What a client is found by, apart from its class: equal for equal servers.

@@ -121,7 +121,8 @@ bool isClientInterface(const char* iid)
     return std::strcmp(iid, IClient::IFactory::iid()) == 0;
 }
 
-// Finds the factory, and marks the client, if there is one, as that of the thread. 0, or the code of the failure; -1 for one without a code.
+// Finds the factory, and marks the client, if there is one, as that of the thread. 0, or the code of the failure; -1 for one without a
+// code.
 int findFor(const char* iid, const ClassID& clsid, IClient* client, IFactoryUnknown*& factory)
 {
     CRecursiveGuard guard(factories().s_factoryMutex);

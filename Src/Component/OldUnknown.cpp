@@ -22,8 +22,8 @@ using Ortha::CMutex;
 
 namespace {
 
-// The classes by the name of their type, in chains by its address. An entry is added and never taken out, so that making an object takes no lock. One class
-// has several entries if several modules have its type, all with one count.
+// The classes by the name of their type, in chains by its address. An entry is added and never taken out, so that making an object takes no
+// lock. One class has several entries if several modules have its type, all with one count.
 struct ClassEntry
 {
     const char* typeName;  // whose address is the key; the text proves it, for a module can go and another take its place

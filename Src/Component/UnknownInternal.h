@@ -38,8 +38,8 @@ struct UnknownInternal
 
 /// Takes a reference off, and does nothing else. The number that are left.
 int decreaseRefCount(IUnknown* object);
-/// Takes a reference off unless it is the last: what is left, or 0 with nothing done. For objects that others find under a lock: the last one goes under that
-/// lock, all others without it.
+/// Takes a reference off unless it is the last: what is left, or 0 with nothing done. For objects that others find under a lock: the last
+/// one goes under that lock, all others without it.
 int decreaseUnlessLast(IUnknown* object);
 int getRefCount(IUnknown* object);
 void setObjectTable(IUnknown* object, Detail::CObjectTable* table);
@@ -53,8 +53,8 @@ void makeInstanceForTable(IUnknown* object);
 /// Held while a reference to a shared instance is given up, so that nobody is given one that is about to end.
 void lockInstances();
 void unlockInstances();
-/// Takes a shared instance off the registry's list, and ends the object. For an instance called with the lock held, which is given up before the object ends.
-/// Always true.
+/// Takes a shared instance off the registry's list, and ends the object. For an instance called with the lock held, which is given up
+/// before the object ends. Always true.
 bool destroyComponent(IUnknown* object, const char* clsid, bool isInstance);
 
 }  // namespace General::Component

@@ -59,8 +59,8 @@ private:
     void* m_lateArg = nullptr;
 };
 
-/// Sets who is called, with status 0x1000000D, whenever there is no memory for a packet: on the failing thread and under a mutex, which the callback
-/// may enter again. An empty function ends that. Any thread.
+/// Sets who is called, with status 0x1000000D, whenever there is no memory for a packet: on the failing thread and under a mutex, which the
+/// callback may enter again. An empty function ends that. Any thread.
 void setPacketFailCallback(Ortha::TFunction1<void, std::uint32_t> callback);
 
 }  // namespace General::Memory

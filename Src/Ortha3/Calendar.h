@@ -25,7 +25,8 @@ constexpr int monthDays(int year, int month)
     return days[month - 1] + (month == 2 && isLeap(year) ? 1 : 0);
 }
 
-/// Days from 1970-01-01 to the first of March, by years since 1969. A year that begins in March has its leap day at the end, so no date needs a test for it.
+/// Days from 1970-01-01 to the first of March, by years since 1969. A year that begins in March has its leap day at the end, so no date
+/// needs a test for it.
 inline constexpr auto yearStarts = [] {
     std::array<std::int32_t, lastYear - firstYear + 2> starts{31 + 28 - 365};
     for (int year = firstYear; year <= lastYear; ++year)
@@ -117,8 +118,8 @@ constexpr void split(std::int64_t seconds, Time& time)
     const auto days = static_cast<std::uint32_t>(held / secondsPerDay);
     const auto rest = static_cast<std::uint32_t>(held - std::uint64_t{days} * secondsPerDay);
 
-    // Neri and Schneider, "Euclidean affine functions and their application to calendar algorithms", 2022: the year begins in March, a century on
-    // a multiple of 100. 719468 days lie between 0000-03-01 and 1970-01-01.
+    // Neri and Schneider, "Euclidean affine functions and their application to calendar algorithms", 2022: the year begins in March, a
+    // century on a multiple of 100. 719468 days lie between 0000-03-01 and 1970-01-01.
     const std::uint32_t n1 = 4 * (days + 719468) + 3;
     const std::uint32_t century = n1 / 146097;
     const std::uint32_t n2 = n1 % 146097 | 3;

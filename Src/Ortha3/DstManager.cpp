@@ -220,8 +220,8 @@ bool DstManager::prepareTime(int year)
     return true;
 }
 
-// The hour before the end comes twice. After the change its times lie at least 3600 seconds before the end, and count as outside by the limit that lies
-// as far below as a change is begun ahead.
+// The hour before the end comes twice. After the change its times lie at least 3600 seconds before the end, and count as outside by the
+// limit that lies as far below as a change is begun ahead.
 bool DstManager::isChangeDue(const CTime& now, bool inDst) const
 {
     const bool northern = m_startTime < m_endTime;
@@ -269,8 +269,8 @@ std::optional<SystemTimeEx> DstManager::checkAdjustTime()
 
 bool DstManager::setTime(const SystemTimeEx& time)
 {
-    // This thread's last error may be that of an earlier try, and would make a failure of this one: the clock would be moved, the flag would stay, and the
-    // next check would move the clock once more.
+    // This thread's last error may be that of an earlier try, and would make a failure of this one: the clock would be moved, the flag
+    // would stay, and the next check would move the clock once more.
     setLastError(0);
     CTime::setModifyTimeClientInfo({"DstManager", "127.0.0.1", "local"});
     if (!Ortha_setCurrentTimeInternal(time, 0))

@@ -9,8 +9,8 @@
 
 namespace General::Ortha {
 
-/// Looks at the clock once a second, and keeps no schedule: a clock that others moved is judged afresh. Stopped, running, or running and paused.
-/// Any thread.
+/// Looks at the clock once a second, and keeps no schedule: a clock that others moved is judged afresh. Stopped, running, or running and
+/// paused. Any thread.
 class DstManager
 {
 public:

@@ -18,9 +18,9 @@
 
 namespace General::Ortha {
 
-/// The record of a file object, and its operations. `Kind` tells the width of positions (Position), the operations that tell and set them (tell,
-/// seek), the class's name, whether reading and writing go on until all is done (persistent), and whether modeDirect is passed on (direct).
-/// `self` is the address that log lines show.
+/// The record of a file object, and its operations. `Kind` tells the width of positions (Position), the operations that tell and set them
+/// (tell, seek), the class's name, whether reading and writing go on until all is done (persistent), and whether modeDirect is passed on
+/// (direct). `self` is the address that log lines show.
 template <class Kind>
 class FileObject
 {

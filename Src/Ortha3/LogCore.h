@@ -44,7 +44,8 @@ inline std::size_t optionIndex(unsigned char PrintOptions::*field)
     return static_cast<std::size_t>(&(layout.*field) - reinterpret_cast<const unsigned char*>(&layout));
 }
 
-/// Header and message into `buffer`, always terminated, and whether the line is complete now. The length that the line would have without a limit.
+/// Header and message into `buffer`, always terminated, and whether the line is complete now. The length that the line would have without a
+/// limit.
 int formatLine(char (&buffer)[lineBufferSize], int level, const char* module, const char* file, const char* function, int line,
                const char* version, LogTime* time, const char* format, va_list args) ORTHA_PRINTF(9, 0);
 

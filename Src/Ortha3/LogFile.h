@@ -18,8 +18,8 @@ struct LogFileSettings
 
 extern LogFileSettings logFileSettings;
 
-/// Sets the file, or the stem of the names of the series; empty: nothing is saved from here on. A path that ends in a separator is refused with a line on
-/// standard output, and counts as empty. A file that is open stays in use.
+/// Sets the file, or the stem of the names of the series; empty: nothing is saved from here on. A path that ends in a separator is refused
+/// with a line on standard output, and counts as empty. A file that is open stays in use.
 void setLogPath(const char* path);
 
 }  // namespace General::Ortha

@@ -26,8 +26,8 @@ std::atomic<bool> logStatisticsEnabled{false};
 
 namespace {
 
-// The modules that commands have named, in chains by a sum of the name. An entry is added and never taken out again, so log calls read them without a
-// lock; there are as many as an operator has named.
+// The modules that commands have named, in chains by a sum of the name. An entry is added and never taken out again, so log calls read them
+// without a lock; there are as many as an operator has named.
 struct ModuleSwitch
 {
     std::unique_ptr<char[]> name;

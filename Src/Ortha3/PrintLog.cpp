@@ -26,8 +26,8 @@ using Printer = TFunction1<void, const char*>;
 using Hook = TFunction1<bool, const char*>;
 using HookList = std::vector<Hook>;
 
-// Whatever a log call needs is never destroyed: threads may log while the process exits. A thread slot is made before the program begins, while the
-// system still has one.
+// Whatever a log call needs is never destroyed: threads may log while the process exits. A thread slot is made before the program begins,
+// while the system still has one.
 
 // Module and file of the calls that name none.
 constexpr const char* unknown = "Unknown";

@@ -16,8 +16,8 @@ namespace General::Ortha {
 
 namespace {
 
-// Readers count in one word with two marks of the writer, so that a reader that finds the gate open enters and leaves with one atomic operation
-// each. With the gate closed readers queue on the gate's lock, which the writer keeps for as long as it holds the lock.
+// Readers count in one word with two marks of the writer, so that a reader that finds the gate open enters and leaves with one atomic
+// operation each. With the gate closed readers queue on the gate's lock, which the writer keeps for as long as it holds the lock.
 class SpinMode
 {
 public:

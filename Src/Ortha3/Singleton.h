@@ -10,10 +10,10 @@
 
 namespace General::Ortha {
 
-/// Owns the one object of a class that has `friend class Singleton<T>`. The first use constructs it; every later use is one load. It is deleted by an
-/// exit handler, so that what was made last goes first, and what a constructor uses outlives it. A use after that makes a new object, with a new
-/// handler. An object that has onCreated() gets that call, once others can find it: there it may log, and a print hook may use it. Without memory for
-/// the object the process ends. Any thread.
+/// Owns the one object of a class that has `friend class Singleton<T>`. The first use constructs it; every later use is one load. It is
+/// deleted by an exit handler, so that what was made last goes first, and what a constructor uses outlives it. A use after that makes a new
+/// object, with a new handler. An object that has onCreated() gets that call, once others can find it: there it may log, and a print hook
+/// may use it. Without memory for the object the process ends. Any thread.
 template <class T>
 class Singleton
 {

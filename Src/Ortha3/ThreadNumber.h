@@ -7,8 +7,8 @@
 
 namespace General::Ortha {
 
-/// 0 in a thread that stored none. Used as a static object that is never destroyed, so that it can be read while the process exits, and that is made
-/// before the program begins, while the system still has a slot for it.
+/// 0 in a thread that stored none. Used as a static object that is never destroyed, so that it can be read while the process exits, and
+/// that is made before the program begins, while the system still has a slot for it.
 class ThreadNumber
 {
 public:

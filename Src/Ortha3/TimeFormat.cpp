@@ -181,7 +181,8 @@ const char* skipRun(const char* at, char letter, char other)
     return at;
 }
 
-// Reads decimal numbers with anything but digits between them; a digit run too long for an int counts as INT_MAX. `between` is shown each character between.
+// Reads decimal numbers with anything but digits between them; a digit run too long for an int counts as INT_MAX. `between` is shown each
+// character between.
 template <class Between>
 int readNumbers(const char* text, int* numbers, int most, Between between)
 {

@@ -37,13 +37,13 @@ public:
     // With the timer lock held.
     void insertTimer(TimerInternal& timer);
     void removeTimer(TimerInternal& timer);
-    /// Hands the timer to a pooled thread and moves a periodic one on. False if no callback was handed out: the last one is still running, or,
-    /// without `force`, the limit is reached.
+    /// Hands the timer to a pooled thread and moves a periodic one on. False if no callback was handed out: the last one is still running,
+    /// or, without `force`, the limit is reached.
     bool dispatch(TimerInternal& timer, bool force);
     [[nodiscard]] std::uint64_t currentTime() const { return m_curTime; }
 
-    /// Takes a thread that has done its job back into the pool; with the timer lock held. The idle threads above the limit, for the caller to end
-    /// when it has released the lock.
+    /// Takes a thread that has done its job back into the pool; with the timer lock held. The idle threads above the limit, for the caller
+    /// to end when it has released the lock.
     CTimerThread* putTimerThread(CTimerThread* pThread);
     /// Ends and deletes threads linked through m_nextIdle. Without the timer lock.
     static void endThreads(CTimerThread* threads);

@@ -8,9 +8,9 @@
 
 namespace General::Ortha {
 
-/// Ascending due times; among equal ones the last inserted comes first. A pairing heap through the records themselves (Fredman, Sedgewick, Sleator,
-/// Tarjan, "The pairing heap", 1986): nothing is allocated, insertion is constant, as is the removal of a timer that has not come near the front;
-/// taking the head is logarithmic, amortised. The caller holds the timer lock.
+/// Ascending due times; among equal ones the last inserted comes first. A pairing heap through the records themselves (Fredman, Sedgewick,
+/// Sleator, Tarjan, "The pairing heap", 1986): nothing is allocated, insertion is constant, as is the removal of a timer that has not come
+/// near the front; taking the head is logarithmic, amortised. The caller holds the timer lock.
 class TimerQueue
 {
 public:

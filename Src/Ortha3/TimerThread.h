@@ -17,7 +17,8 @@ class CTimerThread : public CThread
 {
 public:
     explicit CTimerThread(TimerManagerInternal* manager);
-    /// Waits for the end of a thread that was told to end. The caller does not hold the timer lock: what the thread logs on its way may need it.
+    /// Waits for the end of a thread that was told to end. The caller does not hold the timer lock: what the thread logs on its way may
+    /// need it.
     ~CTimerThread() override;
 
     /// Runs the timer's callback under its name and deadline. The caller holds the timer lock.

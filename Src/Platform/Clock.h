@@ -35,17 +35,18 @@ public:
 /// Replaces the system's clocks, or brings them back with null. The source must stay until then. Start-up.
 void setClockSource(ClockSource* source);
 
-/// The wall clock in the system's time zone. Reads the clock once. Where the zone is the one that the C runtime has read, and it reads another one
-/// (tzset), that is seen within a second.
+/// The wall clock in the system's time zone. Reads the clock once. Where the zone is the one that the C runtime has read, and it reads
+/// another one (tzset), that is seen within a second.
 CalendarTime localTime();
 /// Splits seconds since 1970-01-01 00:00:00 UTC in the system's time zone. False, and nothing is written, if the system cannot.
 bool splitLocal(std::uint64_t seconds, CalendarTime& time);
-/// Seconds since 1970-01-01 00:00:00 UTC of a time in the system's zone, whose fields may be beyond their ranges and whose `dayOfWeek` and `milliSecond` are not read. Negative
-/// before then, -1 also if the system cannot tell.
+/// Seconds since 1970-01-01 00:00:00 UTC of a time in the system's zone, whose fields may be beyond their ranges and whose `dayOfWeek` and
+/// `milliSecond` are not read. Negative before then, -1 also if the system cannot tell.
 std::int64_t joinLocal(const CalendarTime& time);
 /// The wall clock: nanoseconds since 1970-01-01 00:00:00 UTC.
 std::int64_t wallNanoseconds();
-/// Sets the wall clock to a time in the system's zone, whose `dayOfWeek` is not read. False if there is no such time, or the system refuses.
+/// Sets the wall clock to a time in the system's zone, whose `dayOfWeek` is not read. False if there is no such time, or the system
+/// refuses.
 bool setLocalTime(const CalendarTime& time);
 /// Seconds that the zone's standard time lies behind UTC, negative to the east, as the C runtime has it.
 std::int64_t zoneOffset();

@@ -6,7 +6,8 @@
 
 namespace General::Ortha::Platform {
 
-/// A count from 0 to a maximum. A thread that takes one may destroy the semaphore at once, also while the post that gave it is on its way out.
+/// A count from 0 to a maximum. A thread that takes one may destroy the semaphore at once, also while the post that gave it is on its way
+/// out.
 class CountingSemaphore
 {
 public:
@@ -20,7 +21,8 @@ public:
 
     /// False if the system refused the semaphore, which then must not be used.
     [[nodiscard]] bool valid() const;
-    /// Takes one from the count, waiting at most `milliseconds`, or without limit with `forever`. False if the time ran out, the count unchanged.
+    /// Takes one from the count, waiting at most `milliseconds`, or without limit with `forever`. False if the time ran out, the count
+    /// unchanged.
     bool wait(std::uint32_t milliseconds);
     /// Adds one and wakes a waiter. False, the count unchanged, at the maximum.
     bool post();

@@ -10,8 +10,8 @@
 
 namespace General::Ortha::Platform {
 
-/// A gate: closed at first, opened for all by set, closed by reset. A waiter that took its ticket before a set passes, even if the gate has been closed
-/// again since: no wake-up is lost between giving up a lock and beginning to wait.
+/// A gate: closed at first, opened for all by set, closed by reset. A waiter that took its ticket before a set passes, even if the gate has
+/// been closed again since: no wake-up is lost between giving up a lock and beginning to wait.
 class Event
 {
 public:

@@ -14,7 +14,8 @@ inline constexpr const char* pathSeparators = "\\/";
 inline constexpr const char* pathSeparators = "/";
 #endif
 
-/// How a path is written. Native paths are the system's own narrow text. UTF-8 paths were checked with isUtf8Path(), and name the same files.
+/// How a path is written. Native paths are the system's own narrow text. UTF-8 paths were checked with isUtf8Path(), and name the same
+/// files.
 enum class PathForm
 {
     native,
@@ -24,7 +25,8 @@ enum class PathForm
 /// Whether a text can be a UTF-8 path: valid UTF-8, without overlong forms and surrogates.
 bool isUtf8Path(const char* path);
 
-// A failure of the operations below is told by the result, with its cause in errno (ENOENT for a missing file, EEXIST for one that is there).
+// A failure of the operations below is told by the result, with its cause in errno (ENOENT for a missing file, EEXIST for one that is
+// there).
 
 enum OpenFlag : int
 {
@@ -37,7 +39,8 @@ enum OpenFlag : int
     openBinary = 0x8000  ///< no translation of line ends
 };
 
-/// Opens a file; without openWriteOnly and openReadWrite for reading. A directory is refused. The descriptor, which the caller closes, or -1.
+/// Opens a file; without openWriteOnly and openReadWrite for reading. A directory is refused. The descriptor, which the caller closes, or
+/// -1.
 int openFile(const char* path, PathForm form, int flags);
 /// Makes a stream of a descriptor, which then belongs to it; null, with the descriptor closed, on failure.
 std::FILE* openStream(int descriptor, const char* mode);
@@ -102,9 +105,9 @@ struct FoundFile
 /// A search that is under way.
 struct FileSearch;
 
-/// Looks for the files of a directory whose names match the last part of the pattern: "*" stands for any text, "?" for one character, and "*.*"
-/// matches every name. A pattern that ends in a separator matches all. "." and ".." are reported where they match. The order is the system's. Null if
-/// there is no match, no such directory, or no memory.
+/// Looks for the files of a directory whose names match the last part of the pattern: "*" stands for any text, "?" for one character, and
+/// "*.*" matches every name. A pattern that ends in a separator matches all. "." and ".." are reported where they match. The order is the
+/// system's. Null if there is no match, no such directory, or no memory.
 FileSearch* openSearch(const char* pattern, PathForm form, FoundFile& first);
 /// The next match; -1 at the end. A file that vanished meanwhile is passed over, unless the system has read ahead.
 int nextFound(FileSearch& search, FoundFile& next);

@@ -6,8 +6,8 @@
 
 namespace General::Ortha::Platform {
 
-/// A re-entrant lock: its owner may enter again, and gives it up with the same number of leaves. Not fair: a thread that comes while a sleeper is being
-/// woken may go first. A thread that must wait sleeps.
+/// A re-entrant lock: its owner may enter again, and gives it up with the same number of leaves. Not fair: a thread that comes while a
+/// sleeper is being woken may go first. A thread that must wait sleeps.
 /// What a back end must give: enter is an acquire, leave a release operation; construction does not fail, and none of the three allocates.
 class alignas(64) CriticalSection  // alone in its cache line: contenders do not slow down whoever works beside it
 {

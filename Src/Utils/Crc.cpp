@@ -11,8 +11,8 @@ namespace General::Utils {
 
 namespace {
 
-// Tables for slicing: entry [k][b] is the effect of byte b with k bytes behind it, so that several bytes are taken in one step. (M. Kounavis, F. Berry: A
-// Systematic Approach to Building High Performance Software-based CRC Generators, 2005.)
+// Tables for slicing: entry [k][b] is the effect of byte b with k bytes behind it, so that several bytes are taken in one step. (M.
+// Kounavis, F. Berry: A Systematic Approach to Building High Performance Software-based CRC Generators, 2005.)
 template <class Word, std::size_t Slices>
 constexpr std::array<std::array<Word, 256>, Slices> makeTables(Word polynomial)
 {

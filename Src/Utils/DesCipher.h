@@ -5,7 +5,8 @@
 
 namespace General::Utils::Des {
 
-/// The keys of the 16 rounds, each cut into its eight groups of six bits: those of the odd S-boxes in one word, of the even ones in the other.
+/// The keys of the 16 rounds, each cut into its eight groups of six bits: those of the odd S-boxes in one word, of the even ones in the
+/// other.
 struct Schedule
 {
     std::uint32_t keys[16][2];

@@ -22,7 +22,8 @@ Keys::difference_type parity(Keys::difference_type position)
     return position % 2;
 }
 
-// As std::lower_bound. Each step moves the beginning by a product and not by a jump, which the processor would guess wrong every other time.
+// As std::lower_bound. Each step moves the beginning by a product and not by a jump, which the processor would guess wrong every other
+// time.
 template <class Place>
 Place lowerBound(Place first, Place end, int value)
 {
@@ -37,7 +38,8 @@ Place lowerBound(Place first, Place end, int value)
     return first + (count == 1 && *first < value ? 1 : 0);
 }
 
-// Both operations in one. Places of the parity `wanted` are those where there is something to do: outside all ranges when inserting, inside one when erasing.
+// Both operations in one. Places of the parity `wanted` are those where there is something to do: outside all ranges when inserting, inside
+// one when erasing.
 void insert_erase_range(Keys& keys, const CIntervalSet::Range& range, bool inserting)
 {
     const auto [start, end] = range;

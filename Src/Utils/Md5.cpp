@@ -30,7 +30,8 @@ struct Md5Algorithm
     }
 };
 
-// One step of each round. A sum of the parts of round 2 and a select written by an exclusive or need one operation less on the way from b to the result.
+// One step of each round. A sum of the parts of round 2 and a select written by an exclusive or need one operation less on the way from b
+// to the result.
 inline void step1(std::uint32_t& a, std::uint32_t b, std::uint32_t c, std::uint32_t d, std::uint32_t x, int shift, std::uint32_t constant)
 {
     a = b + std::rotl(a + x + constant + (d ^ (b & (c ^ d))), shift);

@@ -5,8 +5,8 @@
 
 namespace General::Utils {
 
-/// Each tells how many units it has dealt with, from the front: bytes when encoding, characters when decoding (which stops in front of a group that holds one that is no digit or
-/// not in the alphabet). Nothing is read or written beyond the units and what they become.
+/// Each tells how many units it has dealt with, from the front: bytes when encoding, characters when decoding (which stops in front of a
+/// group that holds one that is no digit or not in the alphabet). Nothing is read or written beyond the units and what they become.
 struct WideText
 {
     std::size_t (*base16Encode)(char* text, const unsigned char* bytes, std::size_t length);

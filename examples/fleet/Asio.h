@@ -1,5 +1,5 @@
-// Asio, as every file here includes it. Left alone it takes aligned allocation if a standard header comes before it, and the plain one otherwise: files
-// that differ in this free each other's memory the wrong way. Here the choice is the same for all.
+// Asio, as every file here includes it. Left alone it takes aligned allocation if a standard header comes before it, and the plain one
+// otherwise: files that differ in this free each other's memory the wrong way. Here the choice is the same for all.
 #pragma once
 
 #ifndef ASIO_STANDALONE

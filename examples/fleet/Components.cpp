@@ -135,7 +135,8 @@ std::map<std::string, int> liveObjects()
 
 void endComponents()
 {
-    // A client that never got a login waits five minutes for another attempt. Its user is 0; whoever takes it by that and gives it back ends it.
+    // A client that never got a login waits five minutes for another attempt. Its user is 0; whoever takes it by that and gives it back
+    // ends it.
     IClient* client = nullptr;
     while (CComponentHelper::getComponentFactory(sensorInterface, tcpSensorClass, 0, client))
     {

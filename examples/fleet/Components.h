@@ -1,5 +1,5 @@
-// What the program and the component system have to do with each other, apart from the readings: the classes that it makes known, the directory of devices, and
-// the account of all objects in the end.
+// What the program and the component system have to do with each other, apart from the readings: the classes that it makes known, the
+// directory of devices, and the account of all objects in the end.
 #pragma once
 
 #include <map>
@@ -16,8 +16,8 @@ void startComponents(const std::vector<Device>& devices);
 /// How many objects there are of each class, by its name in the source. Any thread.
 std::map<std::string, int> liveObjects();
 
-/// For when everybody has given up what they held: ends the clients that never got a login, and the library's check for such. Throws std::runtime_error if
-/// an object is left, but for the directory, which the library keeps.
+/// For when everybody has given up what they held: ends the clients that never got a login, and the library's check for such. Throws
+/// std::runtime_error if an object is left, but for the directory, which the library keeps.
 void endComponents();
 
 }  // namespace Fleet

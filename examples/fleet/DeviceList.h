@@ -1,4 +1,5 @@
-// The device list: one device a line, "id, address, port, period in milliseconds, user, password". Blank lines and lines that begin with # are skipped.
+// The device list: one device a line, "id, address, port, period in milliseconds, user, password". Blank lines and lines that begin with #
+// are skipped.
 //
 // A device is one reading at a server. Devices of one address, port, user and password share a connection and its login.
 #pragma once

@@ -40,7 +40,8 @@ DstConfigInfo lastSunday(int month, int hourOfDay)
     return rule;
 }
 
-// A rule's date, for months of 31 days. The manager tells it only once it runs, and has to be told before it does whether the clock is ahead.
+// A rule's date, for months of 31 days. The manager tells it only once it runs, and has to be told before it does whether the clock is
+// ahead.
 CTime dateOf(const DstConfigInfo& rule, int year)
 {
     const CTime lastDay(year, rule.month, 31, 0, 0, 0);

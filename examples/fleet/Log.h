@@ -22,12 +22,12 @@ constexpr const char* moduleReadings = "readings";
 constexpr const char* moduleReport = "report";
 constexpr const char* moduleSimulator = "simulator";
 
-/// Runs a log command as it is typed, "-logmodule readings off"; a value with blanks stands in double quotes. False, and nothing happens, if it does
-/// not begin with "-log".
+/// Runs a log command as it is typed, "-logmodule readings off"; a value with blanks stands in double quotes. False, and nothing happens,
+/// if it does not begin with "-log".
 bool runLogCommand(const std::string& text);
 
-/// Saves lines to files named `stem` with date and number: a new one each day and at `kilobytes`, of which the newest `count` are kept, 0 for all.
-/// Makes the directory if need be; throws std::runtime_error if it cannot.
+/// Saves lines to files named `stem` with date and number: a new one each day and at `kilobytes`, of which the newest `count` are kept, 0
+/// for all. Makes the directory if need be; throws std::runtime_error if it cannot.
 void saveLog(const std::string& stem, unsigned int kilobytes, unsigned int count);
 
 }  // namespace Fleet

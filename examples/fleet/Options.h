@@ -24,7 +24,8 @@ struct Options
     bool verbose = false;
 };
 
-/// Reads the command line. A value is the exit code of a program that ends here: 0 after the help text, 2 after a message on standard error.
+/// Reads the command line. A value is the exit code of a program that ends here: 0 after the help text, 2 after a message on standard
+/// error.
 std::optional<int> readOptions(int argc, char** argv, Options& options);
 
 }  // namespace Fleet

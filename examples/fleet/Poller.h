@@ -1,5 +1,5 @@
-// Polls one device with the period of its timer and fires a signal with every reading. All it knows of the device is its id: who reads it, and by which
-// login, the component system tells.
+// Polls one device with the period of its timer and fires a signal with every reading. All it knows of the device is its id: who reads it,
+// and by which login, the component system tells.
 #pragma once
 
 #include <component/Component.h>

@@ -1,4 +1,5 @@
-// ISensor: what a device is to its poller, a component that gives readings. Which class it is of, and where it is, the device directory tells.
+// ISensor: what a device is to its poller, a component that gives readings. Which class it is of, and where it is, the device directory
+// tells.
 #pragma once
 
 #include <component/Client.h>
@@ -17,8 +18,8 @@ constexpr int errorPasswordNotValid = 0x10030007;  ///< the library's, of a logi
 class ISensor : public General::Component::IUnknown
 {
 public:
-    /// Asks the device. The reading has value, unit and time, in a packet of the pool. Throws std::runtime_error if there is none; the connection is then
-    /// closed, and the caller aborts the client.
+    /// Asks the device. The reading has value, unit and time, in a packet of the pool. Throws std::runtime_error if there is none; the
+    /// connection is then closed, and the caller aborts the client.
     virtual Reading read(FramePool& pool) = 0;
     /// Whether the client had sensors already when this one was made.
     [[nodiscard]] virtual bool sharesClient() const = 0;

@@ -1,5 +1,5 @@
-// Plays devices behind real TCP servers, all in one thread: one server for each address, on that address if it is a loopback one, else on 127.0.0.1. A reading
-// is a temperature. Every user with the password "fleet" may log in; the users' ids are numbers from 1.
+// Plays devices behind real TCP servers, all in one thread: one server for each address, on that address if it is a loopback one, else on
+// 127.0.0.1. A reading is a temperature. Every user with the password "fleet" may log in; the users' ids are numbers from 1.
 //
 // The third device is slow: its answers take 1.5 seconds. The sixth drops the connection instead of every third answer.
 #pragma once

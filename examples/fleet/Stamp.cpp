@@ -10,8 +10,8 @@ namespace Fleet {
 
 namespace {
 
-// No letter of a template gives more than two characters: "H", "m" and "s" a number of two digits, "t" AM or PM. The date fields stay within that too: the
-// four digits of a year need three "y", wherever they stand. "HmHm..." of 64 letters gives the most.
+// No letter of a template gives more than two characters: "H", "m" and "s" a number of two digits, "t" AM or PM. The date fields stay
+// within that too: the four digits of a year need three "y", wherever they stand. "HmHm..." of 64 letters gives the most.
 constexpr std::size_t longestStamp = 2 * maxStampTemplate;
 
 // The letters of the date in the order in which they first stand.

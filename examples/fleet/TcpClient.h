@@ -1,4 +1,5 @@
-// TcpClient: one login at a device server over TCP, shared by all sensors behind it. What is said on the connection, in lines from the client:
+// TcpClient: one login at a device server over TCP, shared by all sensors behind it. What is said on the connection, in lines from the
+// client:
 //
 // | Request               | Answer                                                   |
 // |-----------------------|----------------------------------------------------------|

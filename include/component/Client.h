@@ -1,4 +1,5 @@
-// IClient: one logged-in connection to one server. Every component of a server is reached through a client, and components with the same login share one.
+// IClient: one logged-in connection to one server. Every component of a server is reached through a client, and components with the same
+// login share one.
 //
 //     class CTcpClient : public IClient { ... login(), logout(), updateBroken(), getUserID() over a socket ... };
 //     class CTcpClientFactory : public IClient::IFactory
@@ -10,8 +11,8 @@
 //     CTcpClientFactory factory;
 //     factory.registerFactory(IClient::IFactory::iid());
 //
-// From then on components of the classes "Tcp.anything" log in by it: getComponentFactory (ComponentHelper.h) makes the client when it is needed first, logs in,
-// and finds it again for others with the same ServerInfo.
+// From then on components of the classes "Tcp.anything" log in by it: getComponentFactory (ComponentHelper.h) makes the client when it is
+// needed first, logs in, and finds it again for others with the same ServerInfo.
 //
 // | State      | login() true | login() false | updateBroken() true | updateBroken() false |
 // |------------|--------------|---------------|---------------------|----------------------|
@@ -19,12 +20,12 @@
 // | logged in  |              |               | broken              | logged in            |
 // | broken     | logged in    | broken        |                     |                      |
 //
-// A client in use has one reference for each holder; with the last one logout() and destroy() run. One whose login failed stays, for a later attempt, and ends
-// after five minutes without one. docs/components.md has the life of a client step by step.
+// A client in use has one reference for each holder; with the last one logout() and destroy() run. One whose login failed stays, for a
+// later attempt, and ends after five minutes without one. docs/components.md has the life of a client step by step.
 //
-// Who calls your operations: login() and updateBroken() are called by getComponentFactory on its caller's thread, without a lock, so two threads may ask the same
-// client at once. logout() and destroy() are called on the thread that gives the last reference up, or on a timer's, without a lock. A factory's create() is
-// called under one lock of the process, one at a time.
+// Who calls your operations: login() and updateBroken() are called by getComponentFactory on its caller's thread, without a lock, so two
+// threads may ask the same client at once. logout() and destroy() are called on the thread that gives the last reference up, or on a
+// timer's, without a lock. A factory's create() is called under one lock of the process, one at a time.
 //
 // Threads: any thread.
 #pragma once
@@ -65,8 +66,8 @@ public:
     virtual bool login() = 0;
     /// Closes the connection.
     virtual bool logout() = 0;
-    /// Gives the identifier of the user. The result is not looked at; without one leave `userId` as it is. Called with locks of the library held: it
-    /// returns at once, and takes no lock that is held while the library is called.
+    /// Gives the identifier of the user. The result is not looked at; without one leave `userId` as it is. Called with locks of the library
+    /// held: it returns at once, and takes no lock that is held while the library is called.
     virtual bool getUserID(int& userId) = 0;
 
     // What a client class need not have: false with last error 0x10030010.
@@ -78,26 +79,26 @@ public:
     virtual bool loginFirst();
     virtual bool getChallenge(ServerChallenge& challenge);
 
-    /// Has a procedure called at each change of status; there is room for 8. False if there is none left, or the procedure is there already. A procedure runs on
-    /// the thread that calls abort(), without a lock; it may detach itself and release the client.
+    /// Has a procedure called at each change of status; there is room for 8. False if there is none left, or the procedure is there
+    /// already. A procedure runs on the thread that calls abort(), without a lock; it may detach itself and release the client.
     virtual bool attachStatusProc(StatusProc proc);
     /// Does not wait for a call that is under way. False if it is not attached.
     virtual bool detachStatusProc(StatusProc proc);
 
     // For a client that came from the library; asserted.
 
-    /// Fills in what the client was made with, but `extraBit2` and the reserved fields. The texts are the client's, and live as long. A warning tells of an empty
-    /// user name. Always true.
+    /// Fills in what the client was made with, but `extraBit2` and the reserved fields. The texts are the client's, and live as long. A
+    /// warning tells of an empty user name. Always true.
     bool getServerInfo(ServerInfo& info);
     /// When login() last succeeded. Always true.
     bool getLoginTime(Ortha::CTime& time);
-    /// Tells the status procedures statusAborted with a reason, and calls logout(), whose result it gives. The state stays as it is. The client may have ended
-    /// when this returns, if a procedure gave up the last reference.
+    /// Tells the status procedures statusAborted with a reason, and calls logout(), whose result it gives. The state stays as it is. The
+    /// client may have ended when this returns, if a procedure gave up the last reference.
     bool abort(int reason);
     void setCustomData(void* data);
     void* getCustomData();
-    /// Names the user once, which changes whom the client is found for; later calls change nothing, and a warning says so. Always true. Not while others use
-    /// the client.
+    /// Names the user once, which changes whom the client is found for; later calls change nothing, and a warning says so. Always true. Not
+    /// while others use the client.
     bool saveUserName(const char* name);
 
     /// The user of the client that the calling thread used last through a TComPtr; 0 if it used none.

@@ -9,11 +9,11 @@
 //     CSensorFactory factory;
 //     factory.registerFactory("Sensor");
 //
-// CComponentHelper::getComponentFactory (ComponentHelper.h) finds it, and the client that it is reached through. A factory is not counted: it lives longer
-// than its registration.
+// CComponentHelper::getComponentFactory (ComponentHelper.h) finds it, and the client that it is reached through. A factory is not counted:
+// it lives longer than its registration.
 //
-// Last errors: the first registration of any factory sets the texts of 0x10030000 to 0x10030015, among them 0x10030000 interface not found, 0x10030001 class
-// not found, 0x10030002 client not found, 0x10030003 client not exist, 0x10030007 password not valid.
+// Last errors: the first registration of any factory sets the texts of 0x10030000 to 0x10030015, among them 0x10030000 interface not found,
+// 0x10030001 class not found, 0x10030002 client not found, 0x10030003 client not exist, 0x10030007 password not valid.
 //
 // Threads: any thread.
 #pragma once

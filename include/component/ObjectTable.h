@@ -8,8 +8,8 @@
 //     }
 //     table.unlock();
 //
-// The table holds no reference. An object leaves it when its last reference goes: that happens under the table's lock, so that find() never gives an
-// object that is about to end.
+// The table holds no reference. An object leaves it when its last reference goes: that happens under the table's lock, so that find() never
+// gives an object that is about to end.
 #pragma once
 
 #include <cstddef>

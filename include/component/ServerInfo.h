@@ -5,8 +5,8 @@
 //     info.port = 37777;
 //     info.userName = "operator";
 //
-// Strings in these records are borrowed. Copying a record copies pointers, never text: whoever keeps a record keeps the texts alive. Operations of the
-// library that remember a record copy its texts. A null string counts as an empty one.
+// Strings in these records are borrowed. Copying a record copies pointers, never text: whoever keeps a record keeps the texts alive.
+// Operations of the library that remember a record copy its texts. A null string counts as an empty one.
 //
 // Threads: plain records.
 #pragma once
@@ -18,8 +18,8 @@
 
 namespace General::Component {
 
-/// The name of a class: "Tcp.Sensor". What stands before the first "." names the class of clients that connect to the server; a name without "." is
-/// one in full.
+/// The name of a class: "Tcp.Sensor". What stands before the first "." names the class of clients that connect to the server; a name
+/// without "." is one in full.
 struct ORTHA_API ClassID
 {
     constexpr ClassID(const char* className) : name(className) {}
@@ -30,8 +30,8 @@ struct ORTHA_API ClassID
     static const ClassID local;
 };
 
-/// One connection to a server. Two records with equal fields marked "client" share a client, with equal fields marked "instance" an instance of the
-/// registry. The meaning of `kind` and of the extra fields is that of the client class.
+/// One connection to a server. Two records with equal fields marked "client" share a client, with equal fields marked "instance" an
+/// instance of the registry. The meaning of `kind` and of the extra fields is that of the client class.
 struct ORTHA_API ServerInfo
 {
     const char* address;      ///< client, instance

@@ -30,9 +30,11 @@ class ORTHA_API CServerInfoQueryerHelper
 public:
     static CServerInfoQueryerHelper* instance();
 
-    /// Installs the handler, and keeps a reference to it until the process ends. False, with an error line, for a second one and for an empty one.
+    /// Installs the handler, and keeps a reference to it until the process ends. False, with an error line, for a second one and for an
+    /// empty one.
     bool setQueryerHandler(const TComPtr<IServerInfoQueryer>& handler);
-    /// Asks the handler. Without one, and for channel -1, the answer is "Local" and `info` stays as it is. False below -1, with an error line.
+    /// Asks the handler. Without one, and for channel -1, the answer is "Local" and `info` stays as it is. False below -1, with an error
+    /// line.
     bool getServerInfoByChannel(int channel, Ortha::string& clsid, ServerInfo& info);
     /// Asks the handler. False without one and for null, with an error line.
     bool getServerInfoByDeviceId(const char* deviceId, Ortha::string& clsid, ServerInfo& info);

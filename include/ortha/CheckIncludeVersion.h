@@ -1,14 +1,15 @@
 // CCheckIncludeVersion: finds libraries of one process that were built against different revisions of the same header.
 //
-// Each library defines one static object, with the headers that it was built against; the application asks for the result when all are loaded:
+// Each library defines one static object, with the headers that it was built against; the application asks for the result when all are
+// loaded:
 //
 //     static const IncludeNode nodes[] = {ORTHA_INCLUDE_NODES, ORTHA_INCLUDE_NODE("http://doors/include/Door.h", "12")};
 //     static const CCheckIncludeVersion check("Doors", nodes, std::size(nodes));
 //     ...
 //     check.checkResult();                    // ends the process, after a report, if two libraries differ
 //
-// The check is off unless ORTHA_INCLUDE_VERSION_CHECK is defined, for the library and for those who use it: the CMake option of that name. Off, tables are empty texts and
-// nothing is compared.
+// The check is off unless ORTHA_INCLUDE_VERSION_CHECK is defined, for the library and for those who use it: the CMake option of that name.
+// Off, tables are empty texts and nothing is compared.
 #pragma once
 
 #include <cstddef>
@@ -46,8 +47,8 @@ public:
     CCheckIncludeVersionInter(const CCheckIncludeVersionInter&) = delete;
     CCheckIncludeVersionInter& operator=(const CCheckIncludeVersionInter&) = delete;
 
-    /// Adds a library's report; texts and table stay the caller's, and must stay. False if a version is not a decimal number, or the same header was told with
-    /// another version before.
+    /// Adds a library's report; texts and table stay the caller's, and must stay. False if a version is not a decimal number, or the same
+    /// header was told with another version before.
     bool check(const char* libName, const IncludeNode* nodes, int count);
     /// Logs the result of all checks so far. If one failed: a report with the highest version of each header, then an assertion.
     void checkResult() const;
@@ -65,7 +66,8 @@ private:
     bool m_selfFlag;
 };
 
-/// A library's front to the check. `enabled` makes the two kinds different classes, so that libraries built with and without the check can be in one process.
+/// A library's front to the check. `enabled` makes the two kinds different classes, so that libraries built with and without the check can
+/// be in one process.
 template <bool enabled>
 class TCheckIncludeVersion
 {

@@ -1,4 +1,5 @@
-// CFile, CFileFind and the file hook of the older interface: they forward to those of ortha3/File.h, ortha3/FileFind.h and ortha3/FileSystem.h, where each operation is told.
+// CFile, CFileFind and the file hook of the older interface: they forward to those of ortha3/File.h, ortha3/FileFind.h and
+// ortha3/FileSystem.h, where each operation is told.
 //
 //     CFile file;
 //     if (file.open("devices.csv", CFile::modeRead)) { ... file.read(buffer, sizeof(buffer)) ... }
@@ -131,7 +132,7 @@ private:
     FileOperations m_operations;
 };
 
-/// Has the paths that begin with `prefix` go to a copy of `operations`, for both interfaces, as General::Ortha::hookFileSystem() does; with null they go where they went before. A null prefix
-/// does nothing. There is room for 31, as there; a further one is ignored. A prefix is taken out again by its first 31 characters. Throws std::bad_alloc, and then
-/// nothing has changed.
+/// Has the paths that begin with `prefix` go to a copy of `operations`, for both interfaces, as General::Ortha::hookFileSystem() does; with
+/// null they go where they went before. A null prefix does nothing. There is room for 31, as there; a further one is ignored. A prefix is
+/// taken out again by its first 31 characters. Throws std::bad_alloc, and then nothing has changed.
 ORTHA_API void hookFileOperations(const char* prefix, const FileOperations* operations);

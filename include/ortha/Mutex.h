@@ -6,7 +6,8 @@
 //         ...
 //     }                                       // left here, on every way out
 //
-// The owner may enter again, and gives the mutex up with the same number of leaves. If a thread ends while it owns the mutex, the next one gets it.
+// The owner may enter again, and gives the mutex up with the same number of leaves. If a thread ends while it owns the mutex, the next one
+// gets it.
 //
 // Threads: every operation may be called from any thread on one object. Assignment, construction and destruction must not race with use.
 #pragma once

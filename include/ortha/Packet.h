@@ -1,5 +1,5 @@
-// CPacket and IPacketManager of the older interface: a packet of ortha3/Packet.h under older terms. The header of an older packet is the extra region, its length the
-// size, its size the capacity.
+// CPacket and IPacketManager of the older interface: a packet of ortha3/Packet.h under older terms. The header of an older packet is the
+// extra region, its length the size, its size the capacity.
 //
 //     IPacketManager::config(64 << 20, 1024, 64);                   // before the first packet
 //     CPacket frame(1500);                                          // with a header of 64 bytes
@@ -71,8 +71,9 @@ public:
     [[nodiscard]] virtual std::size_t getFreeSize() const = 0;
     virtual void dumpNodes() = 0;
 
-    /// Has packets live in a pool of `totalSize` bytes, in chunks of `chunkSize`, with their headers, of `headerSize` bytes from now on, beside it on the heap
-    /// (policySplitPool of ortha3/PacketManager.h, which tells the bounds). After the first packet a warning, and nothing changes but the header size.
+    /// Has packets live in a pool of `totalSize` bytes, in chunks of `chunkSize`, with their headers, of `headerSize` bytes from now on,
+    /// beside it on the heap (policySplitPool of ortha3/PacketManager.h, which tells the bounds). After the first packet a warning, and
+    /// nothing changes but the header size.
     static void config(int totalSize, int chunkSize, int headerSize);
     /// The one object of the process.
     static IPacketManager* instance();

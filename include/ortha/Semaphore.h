@@ -1,4 +1,5 @@
-// CSemaphore of the older interface: a counting semaphore. Mind the results, which are the system's own: 0 tells success of Pend, but failure of Post.
+// CSemaphore of the older interface: a counting semaphore. Mind the results, which are the system's own: 0 tells success of Pend, but
+// failure of Post.
 //
 //     CSemaphore ready(0);
 //     if (ready.Pend() == 0) { ... }

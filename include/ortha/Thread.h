@@ -1,4 +1,5 @@
-// CThread and IThreadManager of the older interface: they hold and reach those of ortha3/Thread.h and ortha3/ThreadManager.h, where each operation is told.
+// CThread and IThreadManager of the older interface: they hold and reach those of ortha3/Thread.h and ortha3/ThreadManager.h, where each
+// operation is told.
 //
 //     class Poller : public CThread
 //     {

@@ -4,8 +4,9 @@
 //     char text[32];
 //     deadline.format(text, "yyyy-MM-dd HH:mm:ss");
 //
-// General::Ortha::CTime differs: it holds impossible fields to the nearest possible time, where this class lets them roll over into the next unit; it adds and compares
-// fields without a zone, where this class counts seconds in the runtime's zone; and its display preferences are others. docs/older-interface.md has the whole table.
+// General::Ortha::CTime differs: it holds impossible fields to the nearest possible time, where this class lets them roll over into the
+// next unit; it adds and compares fields without a zone, where this class counts seconds in the runtime's zone; and its display preferences
+// are others. docs/older-interface.md has the whole table.
 //
 // Threads: objects one thread at a time. Display preferences are settings for the whole process: start-up.
 #pragma once
@@ -33,7 +34,8 @@ public:
     /// A copy of the fields as they are.
     constexpr CTime(const SystemTime& time) noexcept : SystemTime(time) {}
 
-    /// Seconds since 1970-01-01 00:00:00 UTC, the fields being local time of the C runtime's zone and its daylight saving; 0 instead of less.
+    /// Seconds since 1970-01-01 00:00:00 UTC, the fields being local time of the C runtime's zone and its daylight saving; 0 instead of
+    /// less.
     [[nodiscard]] unsigned long long makeTime() const;
     /// Fills all fields but `isdst`; none if the runtime cannot convert `time`.
     void breakTime(unsigned long long time);
@@ -53,7 +55,8 @@ public:
     [[nodiscard]] bool operator>(const CTime& time) const { return makeTime() > time.makeTime(); }
     [[nodiscard]] bool operator>=(const CTime& time) const { return makeTime() >= time.makeTime(); }
 
-    /// Writes the time as General::Ortha::CTime::format() does without options, by the preferences below. Nothing, with an error line, if a pointer is null.
+    /// Writes the time as General::Ortha::CTime::format() does without options, by the preferences below. Nothing, with an error line, if a
+    /// pointer is null.
     void format(char* buf, const char* format) const;
 
     static CTime getCurrentTime();
@@ -65,7 +68,8 @@ public:
 
     /// Sets the preferences by a template, as General::Ortha::CTime::setFormatString() does for its own.
     static void setFormat(std::string format);
-    /// Sets them by numbers; getFormat() stays as it is. `dateFormat`: 0 year month day, 1 month day year, else day month year. `dateSeparator`: 0 ".", 1 "-",
+    /// Sets them by numbers; getFormat() stays as it is. `dateFormat`: 0 year month day, 1 month day year, else day month year.
+    /// `dateSeparator`: 0 ".", 1 "-",
     /// 2 "/". `timeFormat`: 0 for 24 hours, 1 for 12. Other values of the last two change nothing.
     static void setFormat(int dateFormat, int dateSeparator, int timeFormat);
     static const std::string getFormat();

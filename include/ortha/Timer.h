@@ -1,4 +1,5 @@
-// CTimer and ITimerManager of the older interface: they hold and reach those of ortha3/Timer.h and ortha3/TimerManager.h, where each operation is told.
+// CTimer and ITimerManager of the older interface: they hold and reach those of ortha3/Timer.h and ortha3/TimerManager.h, where each
+// operation is told.
 //
 //     CTimer timer("Poll");
 //     timer.start(&poller, &Poller::onTimer, 0, 1000, 7, 200);      // poller.onTimer(7) now and every second

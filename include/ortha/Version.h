@@ -11,8 +11,8 @@
 class ORTHA_API CVersion
 {
 public:
-    /// As General::Ortha::CVersion; the revision stands at the beginning of `svnRevision` or behind its first colon. An "M" in it, the mark of sources that were changed before
-    /// the build, leaves an info line.
+    /// As General::Ortha::CVersion; the revision stands at the beginning of `svnRevision` or behind its first colon. An "M" in it, the mark
+    /// of sources that were changed before the build, leaves an info line.
     CVersion(const char* name, int major, int minor, int revision, const char* svnRevision, const char* date);
 
     /// Logs the stamp as one info line.

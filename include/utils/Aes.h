@@ -11,8 +11,8 @@
 // | CFB128 | any            | the register, and the place in it          | streams                                                                 |
 // | CTR    | any            | the counter, the block of the key stream, the place in it | streams; never use a key with one counter twice          |
 //
-// A message may come in pieces, which give what the whole gives. What is kept between calls is one thing for both directions: an object encrypts a message or decrypts one. A new
-// message needs a new object. No mode tells whether a message was changed on its way.
+// A message may come in pieces, which give what the whole gives. What is kept between calls is one thing for both directions: an object
+// encrypts a message or decrypts one. A new message needs a new object. No mode tells whether a message was changed on its way.
 //
 // Threads: one thread at a time.
 #pragma once
@@ -43,8 +43,8 @@ public:
         keyBits256 = 256
     };
 
-    /// Takes a key of that many bits, and an initial vector, register or counter of 16 bytes; null stands for zeros, and ECB needs none. Nothing of both is referred to
-    /// later. A null key logs an error. An object without a valid mode and key refuses to work.
+    /// Takes a key of that many bits, and an initial vector, register or counter of 16 bytes; null stands for zeros, and ECB needs none.
+    /// Nothing of both is referred to later. A null key logs an error. An object without a valid mode and key refuses to work.
     CAes(EncMode mode, const unsigned char* key, KeyBits bits, const unsigned char* iv);
     /// The last of the objects that share a key wipes it.
     ~CAes();
@@ -52,8 +52,8 @@ public:
     CAes(const CAes& other);
     CAes& operator=(const CAes& other);
 
-    /// Writes `length` bytes to `output`, which may be `input` itself but must not overlap it otherwise. False, with nothing written, if the object is not usable (an
-    /// error is logged), or for a length that the mode does not take.
+    /// Writes `length` bytes to `output`, which may be `input` itself but must not overlap it otherwise. False, with nothing written, if
+    /// the object is not usable (an error is logged), or for a length that the mode does not take.
     bool encrypt(unsigned char* output, const unsigned char* input, std::size_t length);
     /// As encrypt().
     bool decrypt(unsigned char* output, const unsigned char* input, std::size_t length);

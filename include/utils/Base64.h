@@ -3,8 +3,9 @@
 //     std::vector<char> text(base64EncodeLenEx(length));
 //     base64EncodeEx(text.data(), bytes, length);
 //
-// Three generations: those without a suffix count in `int`, the Ex ones in `size_t`, and the Ex2 ones look at no more than `length` characters, so they need no
-// terminator. None reports a failure: decoding ends at the first character that is not in the alphabet. The caller gives the room that the Len functions tell.
+// Three generations: those without a suffix count in `int`, the Ex ones in `size_t`, and the Ex2 ones look at no more than `length`
+// characters, so they need no terminator. None reports a failure: decoding ends at the first character that is not in the alphabet. The
+// caller gives the room that the Len functions tell.
 //
 // Threads: any thread.
 #pragma once

@@ -13,8 +13,8 @@
 
 namespace General::Utils {
 
-/// CRC-16 with the reflected polynomial 0xA001, least significant bit first, nothing added at the end. `crc` is the start value, 0 for CRC-16/ARC, 0xFFFF for
-/// CRC-16/MODBUS, or the result of what went before.
+/// CRC-16 with the reflected polynomial 0xA001, least significant bit first, nothing added at the end. `crc` is the start value, 0 for
+/// CRC-16/ARC, 0xFFFF for CRC-16/MODBUS, or the result of what went before.
 [[nodiscard]] ORTHA_API unsigned short crc16(unsigned short crc, const unsigned char* data, std::size_t length);
 
 /// CRC-32 of IEEE 802.3, as zip and gzip have it: reflected polynomial 0xEDB88320, start value and final XOR 0xFFFFFFFF.

@@ -6,8 +6,8 @@
 //     set.erase({12, 14});               // [10, 12), [14, 25)
 //     int index = set.find(13);          // 1: the first range that does not end before 13
 //
-// A range is half-open: its first integer, and the one behind its last. Ranges are in ascending order and never touch: two that meet are one. With r ranges, finding costs
-// O(log r), a change O(r) moves of integers.
+// A range is half-open: its first integer, and the one behind its last. Ranges are in ascending order and never touch: two that meet are
+// one. With r ranges, finding costs O(log r), a change O(r) moves of integers.
 //
 // Threads: one thread at a time.
 #pragma once
@@ -40,7 +40,8 @@ public:
     [[nodiscard]] std::size_t size() const;
     /// A range by its index, from 0. Asserts that there is one.
     [[nodiscard]] Range get(int index) const;
-    /// The index of the first range that does not end before `value`: one that holds it, begins behind it, or ends at it. -1 if there is none.
+    /// The index of the first range that does not end before `value`: one that holds it, begins behind it, or ends at it. -1 if there is
+    /// none.
     [[nodiscard]] int find(int value) const;
     void swap(CIntervalSet& other);
     /// Adds all of another set.

@@ -26,7 +26,8 @@ namespace Utils {
 /// Writes the dotted text, at most `size` - 1 characters and a terminator. Gives `buffer`.
 ORTHA_API char* ipToString(IpAddress ip, char* buffer, std::size_t size);
 
-/// Reads a dotted text. Of each number the low 8 bits count; what is missing is 0, and a warning tells: "10.1" gives 10.1.0.0, and so does null give 0.0.0.0.
+/// Reads a dotted text. Of each number the low 8 bits count; what is missing is 0, and a warning tells: "10.1" gives 10.1.0.0, and so does
+/// null give 0.0.0.0.
 [[nodiscard]] ORTHA_API IpAddress stringToIp(const char* text);
 
 }  // namespace Utils

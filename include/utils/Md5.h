@@ -1,4 +1,5 @@
-// CMd5: the MD5 message digest (RFC 1321), 16 bytes. For compatibility: MD5 does not protect against somebody who wants two messages of one digest.
+// CMd5: the MD5 message digest (RFC 1321), 16 bytes. For compatibility: MD5 does not protect against somebody who wants two messages of one
+// digest.
 //
 //     CMd5 md5;
 //     md5.update(data, length);           // in any number of pieces

@@ -1,4 +1,5 @@
-// CSha1: the SHA-1 message digest (FIPS 180-1), 20 bytes. For compatibility: SHA-1 does not protect against somebody who wants two messages of one digest.
+// CSha1: the SHA-1 message digest (FIPS 180-1), 20 bytes. For compatibility: SHA-1 does not protect against somebody who wants two messages
+// of one digest.
 //
 //     CSha1 sha1;
 //     sha1.update(data, length);          // in any number of pieces
@@ -32,8 +33,8 @@ public:
     void update(const unsigned char* data, std::size_t length);
     /// Gives the 20 bytes of the digest. Null, or a `length` below 20, logs an error, and the message stays open.
     void final(unsigned char* hash, std::size_t length);
-    /// Gives 40 lower-case hexadecimal digits, and a terminator if `length` is above 40. Null, or a `length` below 40, logs an error, and the message stays
-    /// open.
+    /// Gives 40 lower-case hexadecimal digits, and a terminator if `length` is above 40. Null, or a `length` below 40, logs an error, and
+    /// the message stays open.
     void hex(char* text, std::size_t length);
 
 private:

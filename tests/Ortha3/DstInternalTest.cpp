@@ -19,7 +19,8 @@ namespace {
 
 const DstConfigInfo northStart{3, 0, 2, 2, 0}, northEnd{11, 0, 1, 2, 0};  // in 2024 March 10 and November 3
 const DstConfigInfo southStart{10, 0, 1, 2, 0}, southEnd{4, 0, 1, 3, 0};  // October 6 and April 7
-// Rules, their dates in 2024, "01" if in winter a change is due with the flag 1 alone, "10" if with 0 alone, and what winter adds to local time.
+// Rules, their dates in 2024, "01" if in winter a change is due with the flag 1 alone, "10" if with 0 alone, and what winter adds to local
+// time.
 using Half = std::tuple<DstConfigInfo, DstConfigInfo, std::int64_t, std::int64_t, const char*, int>;
 const Half halves[] = {{northStart, northEnd, 1710036000, 1730599200, "01", 0}, {southStart, southEnd, 1728180000, 1712458800, "10", 3600}};
 const std::string byManager = "set by DstManager, 127.0.0.1, local\n", byTester = "set by tester, here, test\n";

@@ -30,8 +30,8 @@ std::string bytesOf(const std::string& digits)
     return bytes;
 }
 
-/// Calls `body` with every record of the files of that set, and reports how many there were. A record is lines "name = value" up to an empty
-/// one; COUNT, from 0 in every section, tells that none is lost.
+/// Calls `body` with every record of the files of that set, and reports how many there were. A record is lines "name = value" up to an
+/// empty one; COUNT, from 0 in every section, tells that none is lost.
 template <class Body>
 void ofFiles(const std::string& folder, const std::string& pattern, const Body& body)
 {

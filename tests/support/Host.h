@@ -9,7 +9,8 @@
 
 namespace General::Ortha::Test {
 
-/// Sets the environment's time zone, in the form that the C runtime takes from TZ (not every one knows names of other than three letters), and has it read.
+/// Sets the environment's time zone, in the form that the C runtime takes from TZ (not every one knows names of other than three letters),
+/// and has it read.
 void setZone(const char* zone);
 
 /// Whether the zone may tell when its daylight saving begins and ends.

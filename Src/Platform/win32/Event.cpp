@@ -18,8 +18,9 @@ struct Lockable
 
 }  // namespace
 
-// The system's event forgets a set that a reset follows before its waiters have run. So the sets are counted, and the system's event stays open, whatever
-// the gate says, until all have passed who waited for one: meanwhile a later waiter finds it open, looks at the count, and comes back.
+// The system's event forgets a set that a reset follows before its waiters have run. So the sets are counted, and the system's event stays
+// open, whatever the gate says, until all have passed who waited for one: meanwhile a later waiter finds it open, looks at the count, and
+// comes back.
 Event::Event() : m_event(CreateEventA(nullptr, TRUE, FALSE, nullptr)) {}
 
 Event::~Event()

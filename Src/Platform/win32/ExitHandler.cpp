@@ -80,9 +80,9 @@ Register runtimesRegister()
 
 extern "C" [[gnu::section(".CRT$XLY"), gnu::used]] const PIMAGE_TLS_CALLBACK orthaAtDetach = &atDetach;
 
-// atexit() in a library has the handler called when the library is detached. By then the system has ended all other threads, wherever they were, and with
-// whatever locks they held. The runtime's list is worked off before. It may lose what is registered while that goes on: this is called with
-// whatever comes next, at the latest when the library is detached.
+// atexit() in a library has the handler called when the library is detached. By then the system has ended all other threads, wherever they
+// were, and with whatever locks they held. The runtime's list is worked off before. It may lose what is registered while that goes on: this
+// is called with whatever comes next, at the latest when the library is detached.
 bool callAtExit(void (*handler)())
 try
 {

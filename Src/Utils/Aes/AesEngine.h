@@ -1,4 +1,5 @@
-// The modes of operation over whole blocks, in several forms that give the same: by tables on every machine, and by the processor's own instructions.
+// The modes of operation over whole blocks, in several forms that give the same: by tables on every machine, and by the processor's own
+// instructions.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// What the engines on the processor's AES instructions share. Included by files that are compiled for these instructions, and by nothing else; it uses no function of the standard
-// library, which could stay in the program for others to call.
+// What the engines on the processor's AES instructions share. Included by files that are compiled for these instructions, and by nothing
+// else; it uses no function of the standard library, which could stay in the program for others to call.
 #pragma once
 
 #include <immintrin.h>

@@ -1,5 +1,5 @@
-// Folding of a CRC: bits that are D places ahead are multiplied by x^D modulo the polynomial, and added to those there. (V. Gopal and others: Fast CRC Computation for Generic
-// Polynomials Using PCLMULQDQ Instruction, 2009.)
+// Folding of a CRC: bits that are D places ahead are multiplied by x^D modulo the polynomial, and added to those there. (V. Gopal and
+// others: Fast CRC Computation for Generic Polynomials Using PCLMULQDQ Instruction, 2009.)
 #pragma once
 
 #include <immintrin.h>

@@ -1,4 +1,5 @@
-// Base16 and base64 with AVX2, for which this is compiled. (W. Mula, D. Lemire: Faster Base64 Encoding and Decoding Using AVX2 Instructions, 2018.)
+// Base16 and base64 with AVX2, for which this is compiled. (W. Mula, D. Lemire: Faster Base64 Encoding and Decoding Using AVX2
+// Instructions, 2018.)
 #include "Src/Utils/WideText.h"
 
 #include <immintrin.h>

@@ -1,5 +1,5 @@
-// Reading UTF-8 with AVX-512 VBMI2, for which this is compiled: it uses no function of the standard library, which could stay in the program for others to call.
-// (R. Clausecker, D. Lemire: Transcoding Unicode Characters with AVX-512 Instructions, 2023.)
+// Reading UTF-8 with AVX-512 VBMI2, for which this is compiled: it uses no function of the standard library, which could stay in the
+// program for others to call. (R. Clausecker, D. Lemire: Transcoding Unicode Characters with AVX-512 Instructions, 2023.)
 #include "Src/Utils/CharSet/WideUtf8.h"
 
 #include <immintrin.h>
@@ -25,7 +25,8 @@ inline __m512i all(short word)
 
 const unsigned char* read(unsigned short*& out, const unsigned char* in, const unsigned char* end)
 {
-    // The bytes in front that the last sequence of the 32 before took. Known so late that stepping over them would have each round wait for the one before.
+    // The bytes in front that the last sequence of the 32 before took. Known so late that stepping over them would have each round wait for
+    // the one before.
     std::uint32_t taken = 0;
     for (; end - in >= atOnce + 2; in += atOnce)
     {

@@ -1,5 +1,5 @@
-// IStatistics: keeps the figures of one device's values. Program and module share no more than this header: the class "Stats" is in a module of its own,
-// Stats.so beside the program, which the library loads when the class is first asked for.
+// IStatistics: keeps the figures of one device's values. Program and module share no more than this header: the class "Stats" is in a
+// module of its own, Stats.so beside the program, which the library loads when the class is first asked for.
 #pragma once
 
 #include <component/Unknown.h>

@@ -42,9 +42,9 @@ extern "C" {
 ORTHA_API int Ortha_logFilter(int level, const char* module, const char* file, const char* function, int line, const char* version,
                               const char* format, ...) ORTHA_PRINTF(7, 8);
 
-/// Reads the local time into `*time` (which may be null) and, if a new line begins, writes its header into `buffer`, sets the level's colour on
-/// a terminal, and gives the header's length. 0 in the middle of a line. At most `size` bytes are written, terminator included; a piece that
-/// does not fit is cut. A level outside 0 to 6 shows no word.
+/// Reads the local time into `*time` (which may be null) and, if a new line begins, writes its header into `buffer`, sets the level's
+/// colour on a terminal, and gives the header's length. 0 in the middle of a line. At most `size` bytes are written, terminator included; a
+/// piece that does not fit is cut. A level outside 0 to 6 shows no word.
 ORTHA_API int Ortha_logOptionControl(char* buffer, int size, int level, const char* module, const char* file, const char* function,
                                      int line, const char* version, General::Ortha::LogTime* time);
 

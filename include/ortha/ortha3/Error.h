@@ -22,8 +22,8 @@ ORTHA_API void setLastError(int code);
 
 /// Sets the text of `code`, replacing an older one. The text is copied; null counts as empty.
 ORTHA_API void setErrMsg(int code, const char* text);
-/// The text of `code`, empty if it has none, never null. Valid until this code's text is set again, or the process exits; a thread that cannot
-/// rule that out takes a copy with getErrorMessage.
+/// The text of `code`, empty if it has none, never null. Valid until this code's text is set again, or the process exits; a thread that
+/// cannot rule that out takes a copy with getErrorMessage.
 [[nodiscard]] ORTHA_API const char* getErrMsg(int code);
 
 /// As setErrMsg. The text ends at its first zero character.

@@ -1,4 +1,5 @@
-// CFile and CLfsFile: buffered files. CLfsFile is for files of any size and can take UTF-8 paths; CFile counts positions and lengths in 32 bits.
+// CFile and CLfsFile: buffered files. CLfsFile is for files of any size and can take UTF-8 paths; CFile counts positions and lengths in 32
+// bits.
 //
 //     CFile file;
 //     if (file.open("devices.csv", CFile::modeRead))
@@ -8,9 +9,9 @@
 //     }
 //     unsigned char* all = file.load("picture.bin");      // or a whole file at once: file.getLength() bytes
 //
-// Every access goes through the IFileSystem that is hooked for the path (FileSystem.h). Position and length are kept by the object: asking for them,
-// and a seek to where it stands, cost nothing. A closed file gives -1 for reading and writing, 0 or null for the rest, and logs nothing unless it is
-// told here. What the file system cannot do it logs itself.
+// Every access goes through the IFileSystem that is hooked for the path (FileSystem.h). Position and length are kept by the object: asking
+// for them, and a seek to where it stands, cost nothing. A closed file gives -1 for reading and writing, 0 or null for the rest, and logs
+// nothing unless it is told here. What the file system cannot do it logs itself.
 //
 // Threads: one thread at a time. Constructors and the recursive operations throw std::bad_alloc without memory; nothing else throws.
 #pragma once
@@ -66,13 +67,14 @@ public:
     CFile(const CFile&) = delete;
     CFile& operator=(const CFile&) = delete;
 
-    /// Closes what was open, and opens a file. False if it cannot be opened, or, with an error line, if the low four bits of the flags are above 2.
+    /// Closes what was open, and opens a file. False if it cannot be opened, or, with an error line, if the low four bits of the flags are
+    /// above 2.
     virtual bool open(const char* path, unsigned int dwFlags);
     /// Closes the file and frees what was loaded.
     virtual void close();
-    /// Opens a file for reading and reads it whole: getLength() bytes, which stay the object's until it is closed or opened anew. With something
-    /// loaded already gives that, whatever the path. Null if the file cannot be opened, or, with the file open, is empty; null and closed, with a
-    /// warning, if it ends early or there is no memory.
+    /// Opens a file for reading and reads it whole: getLength() bytes, which stay the object's until it is closed or opened anew. With
+    /// something loaded already gives that, whatever the path. Null if the file cannot be opened, or, with the file open, is empty; null
+    /// and closed, with a warning, if it ends early or there is no memory.
     virtual unsigned char* load(const char* path);
     virtual void unload();
     /// Bytes read, fewer at the end.
@@ -92,8 +94,8 @@ public:
     virtual bool isOpen();
     /// -1: the default operations have none.
     virtual long writev(const io_vec* vec, int count);
-    /// Gives the open stream a buffer, which stays the caller's until the file is closed. False, with a warning, if that fails or there is no stream of the C
-    /// runtime.
+    /// Gives the open stream a buffer, which stays the caller's until the file is closed. False, with a warning, if that fails or there is
+    /// no stream of the C runtime.
     virtual bool setvbuf(char* buffer, IOMode mode, std::size_t size);
     /// Not on this platform: false, with an error line.
     virtual bool fallocate(int mode, long long offset, long long length);
@@ -111,12 +113,12 @@ public:
     /// `mode` as in IFileSystem.
     static bool access(const char* path, int mode);
     static bool stat(const char* path, FileInfo& info);
-    /// Makes a directory with all that lead to it; the separator is "/". False, with a log line, if that is not possible, and false for one that is
-    /// there already.
+    /// Makes a directory with all that lead to it; the separator is "/". False, with a log line, if that is not possible, and false for one
+    /// that is there already.
     static bool makeDirectoryRecursively(const char* path);
-    /// Removes all that is in a directory, and with `removeSelf` the directory; `path` may end in "/" or "/*". A symbolic link is removed, not what
-    /// it points at. What cannot be removed stays, and the walk goes on; the result is that of removing the directory itself. False, with a warning,
-    /// if it does not exist or its path is longer than 1021 characters.
+    /// Removes all that is in a directory, and with `removeSelf` the directory; `path` may end in "/" or "/*". A symbolic link is removed,
+    /// not what it points at. What cannot be removed stays, and the walk goes on; the result is that of removing the directory itself.
+    /// False, with a warning, if it does not exist or its path is longer than 1021 characters.
     static bool removeDirectoryRecursively(const char* path, bool removeSelf);
     /// Always false.
     static bool changeFileFlags(const char* path, bool set, unsigned int flags);

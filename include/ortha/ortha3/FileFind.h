@@ -6,14 +6,15 @@
 //         logInfo("%s: %llu bytes\n", find.getFileName().c_str(), find.getLength());
 //     }
 //
-// The pattern's directory part ends at its last "/" or "\". Behind it, "*" stands for any text and "?" for one character; "*.*", and nothing at all, match
-// every name. "." and ".." are reported too. A symbolic link is never a directory. The two classes differ in the string that they give.
+// The pattern's directory part ends at its last "/" or "\". Behind it, "*" stands for any text and "?" for one character; "*.*", and
+// nothing at all, match every name. "." and ".." are reported too. A symbolic link is never a directory. The two classes differ in the
+// string that they give.
 //
-// A search goes through the IFileSystem that is hooked for the pattern (FileSystem.h), and is never one on UTF-8 paths unless that is. What describes
-// the current entry means something while findFile() or findNextFile() gave true.
+// A search goes through the IFileSystem that is hooked for the pattern (FileSystem.h), and is never one on UTF-8 paths unless that is. What
+// describes the current entry means something while findFile() or findNextFile() gave true.
 //
-// Threads: one thread at a time. Several searches may run at once. Constructors, findFile() and what gives a string throw std::bad_alloc without memory;
-// nothing else throws.
+// Threads: one thread at a time. Several searches may run at once. Constructors, findFile() and what gives a string throw std::bad_alloc
+// without memory; nothing else throws.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// IFileSystem: the table of operations behind every file of the library; hookFileSystem: putting another one in its place for a part of the paths.
+// IFileSystem: the table of operations behind every file of the library; hookFileSystem: putting another one in its place for a part of the
+// paths.
 //
 //     class CMemoryFiles : public IFileSystem { ... };
 //     CMemoryFiles files;
@@ -8,8 +9,8 @@
 //
 // The default operations are those of the C runtime, on native paths. They log what fails, except where the table says "silent".
 //
-// Threads: hookFileSystem at start-up. The default operations from any thread, a stream or a search one thread at a time; an IFileSystem of yours is
-// called by every thread that uses a file of its paths. Nothing here throws, and yours must not.
+// Threads: hookFileSystem at start-up. The default operations from any thread, a stream or a search one thread at a time; an IFileSystem of
+// yours is called by every thread that uses a file of its paths. Nothing here throws, and yours must not.
 #pragma once
 
 #include <cstddef>
@@ -42,7 +43,8 @@ struct FileInfoEx;
 /// An element of writev(); no operation of this library reads one.
 struct io_vec;
 
-/// Results are the C runtime's: 0 or a count for success, -1 or null for failure. `stream` is what fopen gave, `handle` what findfirst gave.
+/// Results are the C runtime's: 0 or a count for success, -1 or null for failure. `stream` is what fopen gave, `handle` what findfirst
+/// gave.
 class ORTHA_API IFileSystem
 {
 public:
@@ -60,7 +62,8 @@ public:
     virtual int fputs(const char* text, void* stream) = 0;
     virtual int rename(const char* oldName, const char* newName) = 0;
     virtual int remove(const char* path) = 0;
-    /// Begins a search for the files that match `pattern`, whose last part may hold "*" and "?". The handle, 0 or more, or -1 if there is none.
+    /// Begins a search for the files that match `pattern`, whose last part may hold "*" and "?". The handle, 0 or more, or -1 if there is
+    /// none.
     virtual long findfirst(const char* pattern, FileInfo& info) = 0;
     /// -1 when there are no more.
     virtual int findnext(long handle, FileInfo& info) = 0;
@@ -78,9 +81,9 @@ public:
     virtual long long ftell64(void* stream);
 };
 
-/// Has the paths that begin with `prefix` (at most 255 bytes, compared byte for byte) go to `opts`, which stays the caller's and must live until it
-/// is taken out again with a null `opts`. Where several prefixes fit, the one hooked first counts. There is room for 31; a further one, and taking
-/// out what is not there, change nothing. Each call logs an info line. Start-up.
+/// Has the paths that begin with `prefix` (at most 255 bytes, compared byte for byte) go to `opts`, which stays the caller's and must live
+/// until it is taken out again with a null `opts`. Where several prefixes fit, the one hooked first counts. There is room for 31; a further
+/// one, and taking out what is not there, change nothing. Each call logs an info line. Start-up.
 ORTHA_API void hookFileSystem(const char* prefix, IFileSystem* opts);
 
 }  // namespace General::Ortha

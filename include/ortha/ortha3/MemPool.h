@@ -16,7 +16,8 @@ namespace General::Memory::Detail {
 class ORTHA_API CMemPool
 {
 public:
-    /// Blocks of `blockSize` bytes, at least 8, in chunks of `blockCount`, at least 1; smaller values count as these. Allocates no chunk yet.
+    /// Blocks of `blockSize` bytes, at least 8, in chunks of `blockCount`, at least 1; smaller values count as these. Allocates no chunk
+    /// yet.
     CMemPool(unsigned int blockSize, unsigned int blockCount);
     /// Frees all chunks, with the blocks that are out.
     ~CMemPool();

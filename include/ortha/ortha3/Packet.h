@@ -5,8 +5,8 @@
 //     CPacket body(frame, 20, frame.size() - 20, 0);            // a range: shares the frame's bytes and keeps them alive
 //     queue.push(body);                                         // a copy of the handle; no byte moves
 //
-// Beside its data a block can have an extra region, private memory of whoever created it, of exactly the size asked for. A packet is made in one of
-// five forms:
+// Beside its data a block can have an extra region, private memory of whoever created it, of exactly the size asked for. A packet is made
+// in one of five forms:
 //
 //   form         data                    who frees the data                              extra region
 //   managed      the packet manager's    the packet                                      in the block or beside it
@@ -15,12 +15,12 @@
 //     ... with an extra region
 //   late buffer  none until putBuffer()  the caller's function, if a buffer ever came    its own
 //
-// A packet that cannot be made is an invalid handle, and the log tells why; the caller then still owns the buffer that it meant to hand over. On an invalid
-// packet every operation gives 0, null or false and does nothing.
+// A packet that cannot be made is an invalid handle, and the log tells why; the caller then still owns the buffer that it meant to hand
+// over. On an invalid packet every operation gives 0, null or false and does nothing.
 //
-// Threads: handles on one block may be copied, assigned and released by different threads at the same time; the last one frees the block, on its
-// thread. One handle, and the bytes, size and extra region of a block: one thread at a time. Nothing here throws. A free function runs with no lock held
-// and must not throw.
+// Threads: handles on one block may be copied, assigned and released by different threads at the same time; the last one frees the block,
+// on its thread. One handle, and the bytes, size and extra region of a block: one thread at a time. Nothing here throws. A free function
+// runs with no lock held and must not throw.
 #pragma once
 
 #include <cstddef>
@@ -41,24 +41,25 @@ public:
     /// An invalid packet.
     CPacket() noexcept : m_internal(nullptr) {}
 
-    /// Managed: `size` bytes of data, not cleared, and `extra` bytes of extra region; both begin at multiples of the manager's alignSize from the start of
-    /// their block. capacity() is what the block has room for, at least `size` rounded up: a pool gives a power of two of whole chunks. Invalid without
-    /// memory, and under policyExternal.
+    /// Managed: `size` bytes of data, not cleared, and `extra` bytes of extra region; both begin at multiples of the manager's alignSize
+    /// from the start of their block. capacity() is what the block has room for, at least `size` rounded up: a pool gives a power of two of
+    /// whole chunks. Invalid without memory, and under policyExternal.
     CPacket(std::size_t size, std::size_t extra);
 
-    /// External: the `size` bytes at `buffer`, which stay the caller's until `freeFunction(buffer, size of the packet by then)` gives them back; an empty
-    /// function is not called.
+    /// External: the `size` bytes at `buffer`, which stay the caller's until `freeFunction(buffer, size of the packet by then)` gives them
+    /// back; an empty function is not called.
     CPacket(void* buffer, std::size_t size, FreeFunction freeFunction);
 
     /// External, with an extra region of `extra` bytes. Without memory for it the packet stands, and getExtraData() is null.
     CPacket(void* buffer, std::size_t size, std::size_t extra, FreeFunction freeFunction);
 
-    /// Range: the `size` bytes of `packet` from `offset` on, with an extra region of its own. Holds a reference on `packet` until it is gone itself. Invalid
-    /// unless the range lies within packet.size() and begins before its end. What it needs besides the data is of the C runtime's heap, under every policy.
+    /// Range: the `size` bytes of `packet` from `offset` on, with an extra region of its own. Holds a reference on `packet` until it is
+    /// gone itself. Invalid unless the range lies within packet.size() and begins before its end. What it needs besides the data is of the
+    /// C runtime's heap, under every policy.
     CPacket(const CPacket& packet, std::size_t offset, std::size_t size, std::size_t extra);
 
-    /// Late buffer: stands for `capacity` bytes that putBuffer() will bring, with an extra region of `extra` bytes (as in the external form). At the end calls
-    /// `freeFunction(arg, capacity)` if a buffer came.
+    /// Late buffer: stands for `capacity` bytes that putBuffer() will bring, with an extra region of `extra` bytes (as in the external
+    /// form). At the end calls `freeFunction(arg, capacity)` if a buffer came.
     CPacket(unsigned int capacity, FreeFunction freeFunction, void* arg, std::size_t extra);
 
     /// Shares the block.
@@ -92,9 +93,10 @@ public:
     void reset() noexcept { release(std::exchange(m_internal, nullptr)); }
     [[nodiscard]] bool valid() const noexcept { return m_internal != nullptr; }
 
-    /// Late buffer: takes the `size` bytes at `data` as its data, without a copy, in place of those it had; they stay the caller's. Gives `size`.
-    /// Other forms: appends a copy of as many of the bytes as there is room for between size() and capacity(), none without a buffer, and gives their
-    /// number. A packet begins with its size as asked for, so resize(0) comes first where the data is to be built up.
+    /// Late buffer: takes the `size` bytes at `data` as its data, without a copy, in place of those it had; they stay the caller's. Gives
+    /// `size`. Other forms: appends a copy of as many of the bytes as there is room for between size() and capacity(), none without a
+    /// buffer, and gives their number. A packet begins with its size as asked for, so resize(0) comes first where the data is to be built
+    /// up.
     std::size_t putBuffer(void* data, std::size_t size) { return m_internal ? m_internal->putBuffer(data, size) : 0; }
     /// The data; null if there is none, or none yet.
     [[nodiscard]] unsigned char* getBuffer() const { return m_internal ? m_internal->getBuffer() : nullptr; }

@@ -7,9 +7,10 @@
 //     CPacket packet(1500, 0);                                            // from here on the choice is fixed
 //     logInfo("%zu of %zu bytes are free\n", CPacketManager::instance()->getFreeSize(), CPacketManager::instance()->getBufferSize());
 //
-// The pool is a binary buddy allocator (Knowlton 1965; Knuth, The Art of Computer Programming 1, section 2.5): blocks of 2^k chunks, a request rounded up
-// to the next such block, a larger block halved as often as needed, and a freed block joined with its free buddy at once. Allocation and free cost at
-// most one list operation for each order of size, whatever the number of blocks in use; after the start the pool calls no allocator.
+// The pool is a binary buddy allocator (Knowlton 1965; Knuth, The Art of Computer Programming 1, section 2.5): blocks of 2^k chunks, a
+// request rounded up to the next such block, a larger block halved as often as needed, and a freed block joined with its free buddy at
+// once. Allocation and free cost at most one list operation for each order of size, whatever the number of blocks in use; after the start
+// the pool calls no allocator.
 //
 //   policy           data of a packet    its control record and extra region   size of a block
 //   policySystem     system functions    in the data's block                   as needed
@@ -47,9 +48,9 @@ public:
         policyExternal = 4
     };
 
-    /// The system functions. They default to the C runtime's, whose rules they follow: `malloc` gives memory aligned for any object, or null;
-    /// `free` accepts null. They are called on any thread and must not throw or use packets. Under policySystem they serve every packet; under a pool policy
-    /// `malloc` and `free` serve the pool as a whole, and `memcpy` the copies from pool to pool.
+    /// The system functions. They default to the C runtime's, whose rules they follow: `malloc` gives memory aligned for any object, or
+    /// null; `free` accepts null. They are called on any thread and must not throw or use packets. Under policySystem they serve every
+    /// packet; under a pool policy `malloc` and `free` serve the pool as a whole, and `memcpy` the copies from pool to pool.
     struct MemoryOperator
     {
         Ortha::TFunction1<void*, std::size_t> malloc;
@@ -68,23 +69,25 @@ public:
     CPacketManager(const CPacketManager&) = delete;
     CPacketManager& operator=(const CPacketManager&) = delete;
 
-    /// Sets the policy, the system functions and the pool's measures; policyUnchanged and null pointers leave their item as it is. May be called again
-    /// until the first packet or instance(); the last call that gives an item decides it. Afterwards, and for a policy above 4, it logs a warning and
-    /// changes nothing. Asserts that the measures are as PoolParameter tells and that no function is empty. Start-up.
+    /// Sets the policy, the system functions and the pool's measures; policyUnchanged and null pointers leave their item as it is. May be
+    /// called again until the first packet or instance(); the last call that gives an item decides it. Afterwards, and for a policy above
+    /// 4, it logs a warning and changes nothing. Asserts that the measures are as PoolParameter tells and that no function is empty.
+    /// Start-up.
     static void config(Policy policy, MemoryOperator* memop, PoolParameter* param);
     /// The policy and measures as they are set, in use or not.
     static void getConfig(Policy& policy, PoolParameter& param);
-    /// The manager. The first call fixes the configuration and allocates the pool; if that fails it logs a fatal line and ends the process with an
-    /// assertion.
+    /// The manager. The first call fixes the configuration and allocates the pool; if that fails it logs a fatal line and ends the process
+    /// with an assertion.
     static CPacketManager* instance();
 
-    /// A block of at least `size` bytes, the caller's until free(). Under a pool policy it starts at a multiple of its own size within the pool; null, with a
-    /// warning, if no free block is large enough or `size` is 0. Under the other policies what the system function gives.
+    /// A block of at least `size` bytes, the caller's until free(). Under a pool policy it starts at a multiple of its own size within the
+    /// pool; null, with a warning, if no free block is large enough or `size` is 0. Under the other policies what the system function
+    /// gives.
     [[nodiscard]] void* malloc(std::size_t size);
     /// Takes a block of malloc() back; null is ignored by a pool. A pool asserts that the block is one of its own and in use.
     void free(void* ptr);
-    /// Copies `n` bytes; the areas must not overlap. Between two places in the pool, and always without one, by the system function, whose result it gives;
-    /// else by the C runtime.
+    /// Copies `n` bytes; the areas must not overlap. Between two places in the pool, and always without one, by the system function, whose
+    /// result it gives; else by the C runtime.
     void* memcpy(void* dst, const void* src, std::size_t n);
 
     /// Bytes in the pool; 0 without one.
@@ -94,11 +97,11 @@ public:
     /// The memory that holds the pool, up to one chunk before the first chunk; null without a pool.
     [[nodiscard]] unsigned char* getPoolBuffer() const;
 
-    /// Has each block of the pool remembered from now on, with its size and the thread that allocated it, at the price of a map operation for each malloc and
-    /// free; or forgets them all. A block that there is no memory left to remember is not counted.
+    /// Has each block of the pool remembered from now on, with its size and the thread that allocated it, at the price of a map operation
+    /// for each malloc and free; or forgets them all. A block that there is no memory left to remember is not counted.
     void enableNodesStatistics(bool enable);
-    /// Logs at info level: with statistics, the blocks in use by thread; then, under policyPool, every free block. That list is logged with the
-    /// pool's mutex held, so a print hook must not allocate or free packets, nor wait for a thread that does.
+    /// Logs at info level: with statistics, the blocks in use by thread; then, under policyPool, every free block. That list is logged with
+    /// the pool's mutex held, so a print hook must not allocate or free packets, nor wait for a thread that does.
     void dumpNodes();
     /// Not in this library: false, with an error line.
     bool advisePacket();

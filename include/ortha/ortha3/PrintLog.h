@@ -18,12 +18,12 @@
 // without a header. This state belongs to the process: texts of several threads can meet in one open line.
 //
 // Printers and hooks run on the logging thread, with no lock held. They may attach and detach hooks. What they log themselves goes to
-// standard output as bare text and to no outlet, so they cannot recurse. They must not throw. A hook that another thread detaches may get one
-// more call.
+// standard output as bare text and to no outlet, so they cannot recurse. They must not throw. A hook that another thread detaches may get
+// one more call.
 //
-// Threads: any thread may log at any time. Settings (level, options, log printer) are start-up: a change is seen by other threads in its own
-// time, and setLogPrinter must not race with a log call. Hooks may be attached and detached from any thread. No log call changes `errno` or
-// the thread's last error.
+// Threads: any thread may log at any time. Settings (level, options, log printer) are start-up: a change is seen by other threads in its
+// own time, and setLogPrinter must not race with a log call. Hooks may be attached and detached from any thread. No log call changes
+// `errno` or the thread's last error.
 #pragma once
 
 #include <cstdarg>
@@ -102,12 +102,13 @@ ORTHA_API bool attachPrint(TFunction1<bool, const char*> hook);
 /// Removes a hook. False if no equal function is attached.
 ORTHA_API bool detachPrint(TFunction1<bool, const char*> hook);
 
-/// Logs `length` bytes at level 5, 16 to a row: address, bytes in hexadecimal, characters (bytes 32 to 122, else a dot). A blank line follows each
+/// Logs `length` bytes at level 5, 16 to a row: address, bytes in hexadecimal, characters (bytes 32 to 122, else a dot). A blank line
+/// follows each
 /// 512 bytes. `length` is taken as a signed 32-bit count; nothing is logged from 0 down.
 ORTHA_API void dumpHex(unsigned char* data, std::size_t length);
 
-/// Runs one log command, as an operator types it: `argv` is the command word and its values, without a program's name. Nothing tells of a command that is
-/// not understood. The numbers are read as atoi does; "on" and the other words of a value may be in capitals.
+/// Runs one log command, as an operator types it: `argv` is the command word and its values, without a program's name. Nothing tells of a
+/// command that is not understood. The numbers are read as atoi does; "on" and the other words of a value may be in capitals.
 ///
 ///     -loglevel N                           as setPrintLogLevel
 ///     -logmodule NAME on|off                lines of that module; modules not named pass

@@ -7,9 +7,11 @@
 //     }                                       // lock.leave(): the same operation ends a read hold and a write hold
 //
 // Two modes, chosen at construction:
-// - priorityDefault, for short read holds: a writer that has come keeps later readers and writers out, and gives its time slice away in a loop
+// - priorityDefault, for short read holds: a writer that has come keeps later readers and writers out, and gives its time slice away in a
+// loop
 //   until the readers inside have left.
-// - priorityWriter, for long holds and many writers: everybody sleeps. A reader that comes while a writer waits or holds the lock waits. A leaving
+// - priorityWriter, for long holds and many writers: everybody sleeps. A reader that comes while a writer waits or holds the lock waits. A
+// leaving
 //   writer hands the lock to a waiting writer before any reader, so a steady stream of writers keeps readers out; the last reader hands it to
 //   a waiting writer. Readers are let in together.
 //

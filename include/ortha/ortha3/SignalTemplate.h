@@ -5,9 +5,10 @@
 //     knocked(3);                                               // calls them all, in table order
 //     knocked.detach(TFunction1<void, int>(&Door::onKnock, &door), true);    // and waits until it is not running any more
 //
-// A procedure runs on the firing thread with the signal's lock released. It may attach, detach (itself too) and fire. A procedure attached during a
-// firing is called in that firing if its slot comes later. A detached procedure is not entered again, but may still be running elsewhere unless
-// `detach` waited. A positional attach moves procedures: a firing under way may then skip one or call one twice. Procedures must not throw.
+// A procedure runs on the firing thread with the signal's lock released. It may attach, detach (itself too) and fire. A procedure attached
+// during a firing is called in that firing if its slot comes later. A detached procedure is not entered again, but may still be running
+// elsewhere unless `detach` waited. A positional attach moves procedures: a firing under way may then skip one or call one twice.
+// Procedures must not throw.
 //
 // | Slot     | fire enters | last firing leaves | attach      | detach   |
 // |----------|-------------|--------------------|-------------|----------|
@@ -16,8 +17,8 @@
 // | firing   | firing      | attached           |             | draining |
 // | draining |             | free               | (not taken) |          |
 //
-// Threads: any thread, at most 255 firings at once in one procedure. Two threads that attach the same procedure at one moment can both succeed.
-// The signal must outlive all firing and detaching; its destructor does not wait. After construction nothing allocates.
+// Threads: any thread, at most 255 firings at once in one procedure. Two threads that attach the same procedure at one moment can both
+// succeed. The signal must outlive all firing and detaching; its destructor does not wait. After construction nothing allocates.
 #pragma once
 
 #include <cstdint>

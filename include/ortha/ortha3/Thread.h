@@ -12,8 +12,8 @@
 // Stopping is cooperative: destroyThread() and cancelThread() make looping() false, and threadProc returns when it sees that. While its
 // body runs, a thread is listed in the CThreadManager, with its watchdog deadline if it set one.
 //
-// Priorities run from 1, the highest, to 127; 64 is normal. Policy 1 is real-time, which overrides the priority; any other is normal. On Linux
-// they become a nice value from -15 to 19, as far as the user's privileges go.
+// Priorities run from 1, the highest, to 127; 64 is normal. Policy 1 is real-time, which overrides the priority; any other is normal. On
+// Linux they become a nice value from -15 to 19, as far as the user's privileges go.
 //
 // | State    | looping() | isThreadOver() | createThread        | cancelThread    | destroyThread from another thread             |
 // |----------|-----------|----------------|---------------------|-----------------|-----------------------------------------------|
@@ -25,9 +25,9 @@
 // A thread goes to Over when threadProc returns. Every refusal leaves a log line. destroyThread from the thread itself returns true at once
 // and the state is Stopping. Each start gets a new system thread, a new id and a cleared deadline; name, priority and stack size stay.
 //
-// Threads: createThread, destroyThread, cancelThread, terminateThread and isTimeout from any thread on one object. The other operations take no
-// lock: a reader sees the value before or after a concurrent change, of a name possibly a mixture. Construction and destruction must not race with use.
-// threadProc must not throw.
+// Threads: createThread, destroyThread, cancelThread, terminateThread and isTimeout from any thread on one object. The other operations
+// take no lock: a reader sees the value before or after a concurrent change, of a name possibly a mixture. Construction and destruction
+// must not race with use. threadProc must not throw.
 #pragma once
 
 #include "ortha/ortha3/Export.h"
@@ -43,23 +43,23 @@ public:
     /// Stores the arguments; nothing starts. `name` is cut to 31 characters, null becomes "Nonamed". `stackSize` is in bytes, 0 for the
     /// system's default.
     CThread(const char* name, int priority, int policy, int stackSize);
-    /// Stops the thread as destroyThread does and waits for its end. A subclass whose threadProc uses its own members must call destroyThread
-    /// in its own destructor: here they are gone. Must not run on the thread itself.
+    /// Stops the thread as destroyThread does and waits for its end. A subclass whose threadProc uses its own members must call
+    /// destroyThread in its own destructor: here they are gone. Must not run on the thread itself.
     virtual ~CThread();
     CThread(const CThread&) = delete;
     CThread& operator=(const CThread&) = delete;
 
-    /// Starts the thread; first waits for the end of an earlier run that is still stopping. False, with a log line, if it is running already
-    /// or the system refused.
+    /// Starts the thread; first waits for the end of an earlier run that is still stopping. False, with a log line, if it is running
+    /// already or the system refused.
     bool createThread();
-    /// Asks the thread to stop and waits for its end, without limit. On the thread itself returns true without waiting. False, with a log line, if
-    /// there was nothing to stop.
+    /// Asks the thread to stop and waits for its end, without limit. On the thread itself returns true without waiting. False, with a log
+    /// line, if there was nothing to stop.
     bool destroyThread();
     /// Asks the thread to stop and returns at once. False, with a log line, if it was not running or is stopping already.
     bool cancelThread();
     /// Calls destroyThread, with the wait that this implies, then ends what is still running the hard way: the thread ends at its next
-    /// system wait (sleep, input), with its C++ objects destroyed; called on the thread itself it does not return. True if the thread has ended or
-    /// will; false if it was never started.
+    /// system wait (sleep, input), with its C++ objects destroyed; called on the thread itself it does not return. True if the thread has
+    /// ended or will; false if it was never started.
     bool terminateThread();
 
     /// True if the thread is not running: never started, or ended.

@@ -43,7 +43,8 @@ public:
     void dumpThreads();
     /// The name of the newest thread with this id. False, and `name` untouched, if there is none.
     bool getThreadNameByID(int id, string& name);
-    /// Replaces `names` by the threads whose deadline has passed, "name(id)" each, one behind the other, newest first. False if there is none.
+    /// Replaces `names` by the threads whose deadline has passed, "name(id)" each, one behind the other, newest first. False if there is
+    /// none.
     bool getTimeOutThreads(string& names);
     /// True if a thread with this id is listed.
     [[nodiscard]] bool hasThread(int id);

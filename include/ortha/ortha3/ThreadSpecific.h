@@ -30,7 +30,8 @@ public:
     [[nodiscard]] bool valid() const;
     /// Stores the calling thread's value. False if the slot is not valid or the system could not store it.
     bool setValue(const void* value);
-    /// Reads the calling thread's value into `*value`, null if the thread stored none. False, and `*value` untouched, if the slot is not valid.
+    /// Reads the calling thread's value into `*value`, null if the thread stored none. False, and `*value` untouched, if the slot is not
+    /// valid.
     bool getValue(void** value) const;
 
 private:

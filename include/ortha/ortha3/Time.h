@@ -13,11 +13,11 @@
 //
 // Conversions and arithmetic are exact for the Gregorian calendar from 1970-01-01 to 2106-12-31; a result beyond either end is that end.
 //
-// Daylight saving: local time is UTC plus the zone of setTimeZone(), plus one hour while getDst() is 1, and it is the library that moves the machine's
-// clock by that hour, by the rules given to setDstConfig().
+// Daylight saving: local time is UTC plus the zone of setTimeZone(), plus one hour while getDst() is 1, and it is the library that moves
+// the machine's clock by that hour, by the rules given to setDstConfig().
 //
-// Threads: objects one thread at a time. Reading clocks: any thread, at any moment, from static initialisation on, without a lock of the library.
-// Zone, formats and hooks are settings for the whole process: start-up. What else holds is told with the operations.
+// Threads: objects one thread at a time. Reading clocks: any thread, at any moment, from static initialisation on, without a lock of the
+// library. Zone, formats and hooks are settings for the whole process: start-up. What else holds is told with the operations.
 #pragma once
 
 #include <cstdint>
@@ -90,8 +90,8 @@ public:
     CTime(unsigned long long time) noexcept;
     /// `local`: as breakTime(). Otherwise the fields of that many seconds, without a zone.
     CTime(unsigned long long time, bool local) noexcept;
-    /// The nearest possible time: year, month and day are each held to what there is (a year from 1970 to 2106), as are hour, minute and second; an hour
-    /// above 23 gives 23:59:59. 2023-02-30 25:00:00 gives 2023-02-28 23:59:59.
+    /// The nearest possible time: year, month and day are each held to what there is (a year from 1970 to 2106), as are hour, minute and
+    /// second; an hour above 23 gives 23:59:59. 2023-02-30 25:00:00 gives 2023-02-28 23:59:59.
     CTime(int year, int month, int day, int hour, int minute, int second) noexcept;
 
     /// timeToSeconds() plus the C runtime's zone offset (getTimeZone()); 0 instead of less.
@@ -135,8 +135,8 @@ public:
         formatAsWritten = 7       ///< all three
     };
 
-    /// Writes the time, as the template tells, and a terminating zero into `buf`, which must have room for them: twice the template's length, and the
-    /// zero, is enough for every possible time. Allocates nothing.
+    /// Writes the time, as the template tells, and a terminating zero into `buf`, which must have room for them: twice the template's
+    /// length, and the zero, is enough for every possible time. Allocates nothing.
     ///
     ///   y M d    a run stands for the next date field in the order set: "yyyy" 2024, "yy" 24, "MM" 03, "M" 3. Which letter a run has does not matter for
     ///            its place, only how often each letter is in the template
@@ -146,17 +146,17 @@ public:
     ///   - . /    the separator set
     ///   others   stand for themselves
     ///
-    /// With formatDateOrder a template without one of the three orders, and one without a date, leaves an error line and counts as year, month, day. Missing
-    /// letters count as coming last.
+    /// With formatDateOrder a template without one of the three orders, and one without a date, leaves an error line and counts as year,
+    /// month, day. Missing letters count as coming last.
     void format(char* buf, const char* format, int options) const;
-    /// Reads six numbers, whatever stands between them: a date in the order of y, M and d in the template, then hour, minute, second. With an "h" in
-    /// the template the text must hold "AM" or "PM", and the hour be below 13. Impossible fields are held to the nearest possible ones. False, with an
-    /// error line and the six fields 0, if there are not six or the hour is not clear. `options` has no effect.
+    /// Reads six numbers, whatever stands between them: a date in the order of y, M and d in the template, then hour, minute, second. With
+    /// an "h" in the template the text must hold "AM" or "PM", and the hour be below 13. Impossible fields are held to the nearest possible
+    /// ones. False, with an error line and the six fields 0, if there are not six or the hour is not clear. `options` has no effect.
     bool parse(const char* buf, const char* format, int options);
 
-    /// Sets the template that getFormat() gives, and by it what format() uses without its options: the separator (the first of ".", "/", "-" that
-    /// is in it at all), the order of y, M and d, and 12-hour display if there is an "h". What cannot be found leaves an error line and is "-", or
-    /// year, month, day. Null counts as empty. Start-up.
+    /// Sets the template that getFormat() gives, and by it what format() uses without its options: the separator (the first of ".", "/",
+    /// "-" that is in it at all), the order of y, M and d, and 12-hour display if there is an "h". What cannot be found leaves an error
+    /// line and is "-", or year, month, day. Null counts as empty. Start-up.
     static void setFormatString(const char* format);
     static void setFormat(const string& format);
     static const string getFormat();
@@ -164,12 +164,12 @@ public:
     static char getSeparator();
     static bool get12Hour();
 
-    /// Reads "2024-05-01T20:00:00+08:00", or "...Z" for UTC, into seconds since 1970 in UTC: six numbers, or eight if there is a "+" or "-" anywhere between
-    /// them, of which the last is the sign of the offset. False, with an error line and `*utcSec` 0, for another count, an offset outside -12:00 to +14:00,
-    /// or a null pointer.
+    /// Reads "2024-05-01T20:00:00+08:00", or "...Z" for UTC, into seconds since 1970 in UTC: six numbers, or eight if there is a "+" or "-"
+    /// anywhere between them, of which the last is the sign of the offset. False, with an error line and `*utcSec` 0, for another count, an
+    /// offset outside -12:00 to +14:00, or a null pointer.
     static bool convertTZtoUTC(const char* buf, unsigned long long* utcSec);
-    /// Writes "2024-05-01T12:00:00Z" into `buf`, whose `len` must be at least 21; writes nothing, with an error line, if it is less, `buf` is null,
-    /// or `addOffset` is set, which there is no support for.
+    /// Writes "2024-05-01T12:00:00Z" into `buf`, whose `len` must be at least 21; writes nothing, with an error line, if it is less, `buf`
+    /// is null, or `addOffset` is set, which there is no support for.
     static void convertUTCtoTZ(unsigned long long utcSec, char* buf, int len, bool addOffset);
 
     // Clocks. All but the first two follow a setting of the machine's clock.
@@ -206,8 +206,8 @@ public:
     static int disableTimezone();
     /// The daylight-saving flag: 1, 0, or -1 while unset.
     static int getDst();
-    /// The UTC of a local time in seconds: less `*offset`; or, with null, less the zone set and the hour of the daylight-saving flag, as far as they
-    /// are set. 0, with an error line, if that is before 1970.
+    /// The UTC of a local time in seconds: less `*offset`; or, with null, less the zone set and the hour of the daylight-saving flag, as
+    /// far as they are set. 0, with an error line, if that is before 1970.
     static unsigned long long makeUTC(unsigned long long local, const int* offset);
 
     /// A UTC with the zone and the flag it was derived by.
@@ -220,7 +220,8 @@ public:
     /// The present local time brought to UTC by zone and flag. False, and `time` untouched, while one of them is unset.
     static bool getUTCForEmbed(UTCTimeDef& time);
 
-    /// Tells who is changing the time on this thread; the texts are copied, null counts as empty. Of the calling thread alone, to whose end it lasts.
+    /// Tells who is changing the time on this thread; the texts are copied, null counts as empty. Of the calling thread alone, to whose end
+    /// it lasts.
     static void setModifyTimeClientInfo(const ModifyTimeClientInfo& info);
     /// What this thread set. The texts are valid until it sets others; empty, with an error line, if it set none.
     static ModifyTimeClientInfo getModifyTimeClientInfo();
@@ -232,17 +233,18 @@ public:
     using ModifyProc = TFunction1<bool, SystemTime>;
     using VerifyHook = TFunction0<bool>;
 
-    /// Sets the local time, held to minTime and maxTime. A present time within `tolerance` seconds of it stays, and nothing is told to anybody; 0 always
-    /// sets. The verify hook can forbid it, which leaves an error line. Then the observers are called, on this thread, without a lock.
+    /// Sets the local time, held to minTime and maxTime. A present time within `tolerance` seconds of it stays, and nothing is told to
+    /// anybody; 0 always sets. The verify hook can forbid it, which leaves an error line. Then the observers are called, on this thread,
+    /// without a lock.
     static void setCurrentTime(const CTime& time, int tolerance);
-    /// The same. False if it was forbidden, or if this thread's last error is 0x1000000E (the clock was not set) or 0x1000000F (nor the real-time
-    /// clock). The last error is not cleared first.
+    /// The same. False if it was forbidden, or if this thread's last error is 0x1000000E (the clock was not set) or 0x1000000F (nor the
+    /// real-time clock). The last error is not cleared first.
     static bool setCurrentTimeEx(const CTime& time, int tolerance);
     /// The same to the millisecond.
     static bool setCurrentTime(const SystemTimeEx& time, int tolerance);
 
-    /// Adds an observer, to be called with each new local time; its result is not used. It stays to the end of the process. A procedure may set the clock and
-    /// attach others, which are called from the next time on. Always true. Any thread.
+    /// Adds an observer, to be called with each new local time; its result is not used. It stays to the end of the process. A procedure may
+    /// set the clock and attach others, which are called from the next time on. Always true. Any thread.
     static bool attachModifyProc(ModifyProc proc);
     /// Replaces what sets the clock, and gives the former one; an empty function brings the library's own back. A hook tells a failure by
     /// setLastError(0x1000000E) or (0x1000000F). With `notify` the observers are called after it, as after the library's own. Start-up.
@@ -261,31 +263,34 @@ public:
 
     /// Sets the flag by hand; the clock stays. The conversion callback is called if the flag changes. Always true.
     static bool setDst(bool dst);
-    /// Says, before setDstConfig() turns daylight saving on, whether the clock shows daylight-saving time now; without it the manager takes "no", and
-    /// would move a clock that has been moved already. False, with an error line, while daylight saving is on.
+    /// Says, before setDstConfig() turns daylight saving on, whether the clock shows daylight-saving time now; without it the manager takes
+    /// "no", and would move a clock that has been moved already. False, with an error line, while daylight saving is on.
     static bool setInitDst(bool dst);
-    /// Turns daylight saving on, or replaces its rules: at `start` the clock goes forward by an hour and the flag becomes 1, at `end` it goes back and the flag
-    /// becomes 0. `end` may lie before `start` in the year (the southern half of the world), but not within an hour after it. A clock that is moved by
-    /// others is looked at once a second and put right. False, with an error line, if a rule is impossible. With `enable` false turns it off; a clock
-    /// in daylight-saving time goes back by an hour. Waits for a check that is running, at most 1.2 seconds. One thread at a time.
+    /// Turns daylight saving on, or replaces its rules: at `start` the clock goes forward by an hour and the flag becomes 1, at `end` it
+    /// goes back and the flag becomes 0. `end` may lie before `start` in the year (the southern half of the world), but not within an hour
+    /// after it. A clock that is moved by others is looked at once a second and put right. False, with an error line, if a rule is
+    /// impossible. With `enable` false turns it off; a clock in daylight-saving time goes back by an hour. Waits for a check that is
+    /// running, at most 1.2 seconds. One thread at a time.
     static bool setDstConfig(const DstConfigInfo& start, const DstConfigInfo& end, bool enable);
-    /// The two dates of the rules in `year`, `start` in standard time and `end` in daylight-saving time. False while daylight saving is off. Any
-    /// thread; can wait as setDstConfig() does.
+    /// The two dates of the rules in `year`, `start` in standard time and `end` in daylight-saving time. False while daylight saving is
+    /// off. Any thread; can wait as setDstConfig() does.
     static bool getDstConfig(int year, CTime& start, CTime& end);
-    /// Sets who is called with each new value of the flag, under a recursive lock of its own, on the thread that changes it. Empty: nobody. Any thread.
+    /// Sets who is called with each new value of the flag, under a recursive lock of its own, on the thread that changes it. Empty: nobody.
+    /// Any thread.
     static void attachConvertDstCallback(ConvertDstProc proc);
-    /// The local time of a UTC in seconds, and what was added: the zone set, and an hour if daylight saving is in force then. The result is held to
-    /// minTime and maxTime, with a warning; the offset is not. Before 1970: an error line, and `*local` is `utc`. Any thread; can wait as
-    /// setDstConfig() does.
+    /// The local time of a UTC in seconds, and what was added: the zone set, and an hour if daylight saving is in force then. The result is
+    /// held to minTime and maxTime, with a warning; the offset is not. Before 1970: an error line, and `*local` is `utc`. Any thread; can
+    /// wait as setDstConfig() does.
     static void makeLocal(unsigned long long utc, unsigned long long* local, int* offset);
-    /// Sets the clock, and the flag, from a UTC in milliseconds, with the tolerance of setCurrentTime(). The daylight-saving check pauses meanwhile.
-    /// False if it was forbidden or failed as in setCurrentTimeEx(), or the local time would be before 1970. With a hook: asks the verify hook, calls
-    /// it, and is true. One thread at a time; without a hook not from an observer or the conversion callback: it waits for the check that may be calling
-    /// them.
+    /// Sets the clock, and the flag, from a UTC in milliseconds, with the tolerance of setCurrentTime(). The daylight-saving check pauses
+    /// meanwhile. False if it was forbidden or failed as in setCurrentTimeEx(), or the local time would be before 1970. With a hook: asks
+    /// the verify hook, calls it, and is true. One thread at a time; without a hook not from an observer or the conversion callback: it
+    /// waits for the check that may be calling them.
     static bool setCurrentRealUTC(unsigned long long utc, int tolerance);
     /// Adds an observer of setCurrentRealUTC() with a hook: old and new UTC in milliseconds. Always true. Any thread.
     static bool attachModifyRealUTCProc(ModifyRealUTCProc proc);
-    /// Sets what setCurrentRealUTC() calls instead of setting the clock itself; with `notify` the observers are called if it gives true. Start-up.
+    /// Sets what setCurrentRealUTC() calls instead of setting the clock itself; with `notify` the observers are called if it gives true.
+    /// Start-up.
     static void attachSetCurrentRealUTCHook(SetRealUTCHook hook, bool notify);
 
 private:

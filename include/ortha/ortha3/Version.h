@@ -14,8 +14,9 @@ namespace General::Ortha {
 class ORTHA_API CVersion
 {
 public:
-    /// `name` is cut to 31 characters. `svnRevision` begins with the revision, or is a keyword text that has it behind letters and colons ("$Rev: 4711 $"); without a
-    /// number it counts as 0. `date` is as __DATE__ gives it, "May 10 2024"; a month that is none is 13. Null texts count as empty.
+    /// `name` is cut to 31 characters. `svnRevision` begins with the revision, or is a keyword text that has it behind letters and colons
+    /// ("$Rev: 4711 $"); without a number it counts as 0. `date` is as __DATE__ gives it, "May 10 2024"; a month that is none is 13. Null
+    /// texts count as empty.
     CVersion(const char* name, int major, int minor, int revision, const char* svnRevision, const char* date);
 
     /// Logs the stamp as one info line.

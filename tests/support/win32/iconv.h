@@ -1,4 +1,5 @@
-// Conversion between character sets as the building system's C runtime has it: by tables that charsets.py has made of it. The calls that tests make.
+// Conversion between character sets as the building system's C runtime has it: by tables that charsets.py has made of it. The calls that
+// tests make.
 #pragma once
 
 #include <cstddef>

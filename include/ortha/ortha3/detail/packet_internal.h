@@ -1,4 +1,5 @@
-// What a packet's handle points at. It stands in a public header so that handles are counted without a call into the library; programs use CPacket.
+// What a packet's handle points at. It stands in a public header so that handles are counted without a call into the library; programs use
+// CPacket.
 #pragma once
 
 #include <cstddef>
