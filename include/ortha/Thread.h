@@ -48,7 +48,8 @@ private:
     Internal* m_internal;
 };
 
-/// Ends the calling thread, whoever started it, with the exit code 0; its objects are destroyed. Does not return.
+/// Ends the calling thread, whoever started it, with the exit code 0. The objects on its stack are destroyed on Linux, and not on Windows.
+/// Does not return.
 [[noreturn]] ORTHA_API void exitThread();
 
 class ORTHA_API IThreadManager

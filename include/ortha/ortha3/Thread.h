@@ -57,9 +57,9 @@ public:
     bool destroyThread();
     /// Asks the thread to stop and returns at once. False, with a log line, if it was not running or is stopping already.
     bool cancelThread();
-    /// Calls destroyThread, with the wait that this implies, then ends what is still running the hard way: the thread ends at its next
-    /// system wait (sleep, input), with its C++ objects destroyed; called on the thread itself it does not return. True if the thread has
-    /// ended or will; false if it was never started.
+    /// Calls destroyThread, with the wait that this implies, then ends what is still running the hard way: on Linux the thread ends
+    /// at its next system wait (sleep, input), with its C++ objects destroyed; on Windows at once, without, and its locks stay held. Called
+    /// on the thread itself it does not return. True if the thread has ended or will; false if it was never started.
     bool terminateThread();
 
     /// True if the thread is not running: never started, or ended.
